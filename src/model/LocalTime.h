@@ -1,0 +1,32 @@
+#pragma once
+
+#include "model/Instant.h"
+
+#include <optional>
+
+class QTimeZone;
+
+namespace tallyglass {
+
+/// What a wall clock shows, without its zone: milliseconds since the reading 1970-01-01 00:00.
+using LocalTime = std::chrono::local_time<std::chrono::milliseconds>;
+
+LocalTime toLocalTime(Instant instant, const QTimeZone &zone);
+
+/// When a clock in \a zone showed \a time: the first time, where a clock change repeats it; nothing
+/// where one skips it.
+std::optional<Instant> instantShowing(LocalTime time, const QTimeZone &zone);
+
+/// The first instant at which a clock in \a zone showed \a time, or had jumped over it.
+Instant firstInstantFrom(LocalTime time, const QTimeZone &zone);
+
+/// The whole hour of a local clock around an instant: from the instant at which the clock struck
+/// it, or was changed into it, until it strikes the next one or is changed to another.
+struct LocalHour
+{
+    Instant start;
+    Instant end;
+};
+LocalHour localHourAround(Instant now, const QTimeZone &zone);
+
+} // namespace tallyglass

@@ -1,0 +1,47 @@
+#include "model/WindowInterval.h"
+
+#include "model/LocalTime.h"
+
+#include <QTimeZone>
+
+#include <algorithm>
+
+namespace tallyglass {
+
+using namespace std::chrono;
+
+WindowInterval interval(UsageWindowKind kind, Instant now, const QTimeZone &zone)
+{
+    const auto today = floor<days>(toLocalTime(now, zone));
+    switch (kind) {
+    case UsageWindowKind::FiveHours:
+        return {.start = now - 5h, .end = now};
+    case UsageWindowKind::Hour: {
+        const LocalHour hour = localHourAround(now, zone);
+        return {.start = hour.start, .end = hour.end};
+    }
+    case UsageWindowKind::Day:
+        return {.start = firstInstantFrom(LocalTime{today}, zone),
+                .end = firstInstantFrom(LocalTime{today + days{1}}, zone)};
+    case UsageWindowKind::Week:
+        return {.start = now - 7 * 24h, .end = now};
+    case UsageWindowKind::Month: {
+        const year_month_day date{today};
+        const auto thisMonth = date.year() / date.month();
+        const auto nextMonth = thisMonth + months{1};
+        return {.start = firstInstantFrom(LocalTime{local_days{thisMonth / 1}}, zone),
+                .end = firstInstantFrom(LocalTime{local_days{nextMonth / 1}}, zone)};
+    }
+    }
+    Q_UNREACHABLE();
+}
+
+Instant collectionCutoff(Instant now, const QTimeZone &zone)
+{
+    Instant earliest = now;
+    for (const UsageWindowKind kind : allWindowKinds)
+        earliest = std::min(earliest, interval(kind, now, zone).start);
+    return earliest - 24h;
+}
+
+} // namespace tallyglass
