@@ -1,0 +1,33 @@
+#pragma once
+
+#include "collect/RecordParser.h"
+
+#include <map>
+
+namespace tallyglass {
+
+/// Gathers the shutdown records of one Copilot session file. A session that was resumed has
+/// several; each model counts once, with the figures of its latest record.
+class CopilotLogReader
+{
+public:
+    explicit CopilotLogReader(const LogOrigin &origin);
+
+    /// Takes one line of the file. Whatever is not a shutdown record is passed over.
+    void take(simdjson::dom::element record);
+
+    /// One event for each model.
+    std::vector<UsageEvent> events() const;
+
+private:
+    struct Entry
+    {
+        Instant date;
+        TokenUsage usage;
+    };
+
+    const LogOrigin &m_origin;
+    std::map<std::string, Entry, std::less<>> m_models;
+};
+
+} // namespace tallyglass

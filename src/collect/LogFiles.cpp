@@ -1,0 +1,141 @@
+#include "collect/LogFiles.h"
+
+#include <algorithm>
+#include <array>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <sys/stat.h>
+
+namespace tallyglass {
+
+namespace {
+
+struct Root
+{
+    UsageProvider provider;
+    std::string_view folder; ///< below the home folder
+};
+
+constexpr std::array roots{
+    Root{UsageProvider::Codex, ".codex/sessions"},
+    Root{UsageProvider::Claude, ".claude"},
+    Root{UsageProvider::Claude, "Library/Application Support/Claude/local-agent-mode-sessions"},
+    Root{UsageProvider::Copilot, ".copilot/session-state"},
+};
+
+constexpr std::string_view statuslineFile =
+    "Library/Application Support/Tallyglass/statusline_rate_limits.json";
+
+constexpr std::array<std::string_view, 4> acceptedExtensions{"json", "jsonl", "ndjson", "log"};
+
+/// Extensions of folders that the system shows as one thing.
+constexpr std::array<std::string_view, 16> packageExtensions{
+    "app",           "bundle",   "framework",   "plugin",     "appex", "xpc",
+    "kext",          "prefpane", "qlgenerator", "mdimporter", "pkg",   "mpkg",
+    "photoslibrary", "rtfd",     "xcodeproj",   "xcworkspace"};
+
+/// The lower-cased extension; none for a name that only begins with a full stop.
+std::string extensionOf(std::string_view name)
+{
+    const std::size_t stop = name.rfind('.');
+    if (stop == std::string_view::npos || stop == 0)
+        return {};
+    std::string extension(name.substr(stop + 1));
+    std::ranges::transform(extension, extension.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A'))
+                                                    : character;
+    });
+    return extension;
+}
+
+template<std::size_t Count>
+bool hasExtension(std::string_view name, const std::array<std::string_view, Count> &extensions)
+{
+    return std::ranges::find(extensions, extensionOf(name)) != extensions.end();
+}
+
+/// POSIX and the BSDs name the member differently.
+template<typename Status>
+timespec modificationTime(const Status &status)
+{
+    if constexpr (requires { status.st_mtimespec; })
+        return status.st_mtimespec;
+    else
+        return status.st_mtim;
+}
+
+/// The file as the collection knows it; nothing when it is not to be read.
+std::optional<LogFile> logFile(UsageProvider provider, std::string path, const struct stat &status,
+                               Instant cutoff)
+{
+    const timespec time = modificationTime(status);
+    const Instant modified{std::chrono::floor<std::chrono::milliseconds>(
+        std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec})};
+    if (!S_ISREG(status.st_mode) || modified < cutoff || status.st_size > largestFileRead)
+        return std::nullopt;
+    const bool isDocument = extensionOf(path) == "json";
+    return LogFile{.provider = provider,
+                   .path = std::move(path),
+                   .modified = modified,
+                   .size = status.st_size,
+                   .isDocument = isDocument};
+}
+
+void scanRoot(const Root &root, const std::string &home, Instant cutoff,
+              std::vector<LogFile> &files)
+{
+    const std::size_t firstOfRoot = files.size();
+    std::vector<std::string> folders{home + '/' + std::string(root.folder)};
+    while (!folders.empty()) {
+        const std::string folder = std::move(folders.back());
+        folders.pop_back();
+        const std::unique_ptr<DIR, int (*)(DIR *)> entries(opendir(folder.c_str()), closedir);
+        if (!entries)
+            continue;
+        while (const dirent *entry = readdir(entries.get())) {
+            const std::string_view name = entry->d_name;
+            if (name == "." || name == "..")
+                continue;
+            // The entry's type mostly spares the look at the file itself.
+            const bool mayBeFile = entry->d_type == DT_REG || entry->d_type == DT_UNKNOWN;
+            const bool isAccepted = mayBeFile && hasExtension(name, acceptedExtensions);
+            bool isFolder = entry->d_type == DT_DIR;
+            struct stat status{};
+            if ((isAccepted || entry->d_type == DT_UNKNOWN)
+                && fstatat(dirfd(entries.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+                isFolder = S_ISDIR(status.st_mode);
+            if (isFolder) {
+                if (!hasExtension(name, packageExtensions))
+                    folders.push_back(folder + '/' + entry->d_name);
+            } else if (isAccepted) {
+                if (auto file =
+                        logFile(root.provider, folder + '/' + entry->d_name, status, cutoff))
+                    files.push_back(std::move(*file));
+            }
+        }
+    }
+    std::sort(files.begin() + static_cast<std::ptrdiff_t>(firstOfRoot), files.end(),
+              [](const LogFile &a, const LogFile &b) { return a.path < b.path; });
+}
+
+} // namespace
+
+std::vector<LogFile> findLogFiles(const std::string &home, Instant cutoff)
+{
+    std::vector<LogFile> files;
+    for (const Root &root : roots)
+        scanRoot(root, home, cutoff, files);
+
+    std::string path = home + '/' + std::string(statuslineFile);
+    struct stat status{};
+    if (stat(path.c_str(), &status) == 0) {
+        if (auto file = logFile(UsageProvider::Claude, std::move(path), status, cutoff))
+            files.push_back(std::move(*file));
+    }
+    return files;
+}
+
+} // namespace tallyglass

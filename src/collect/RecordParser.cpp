@@ -1,0 +1,159 @@
+#include "collect/RecordParser.h"
+
+#include "collect/FieldReaders.h"
+#include "collect/RateLimitReader.h"
+
+namespace tallyglass {
+
+using simdjson::dom::element;
+
+namespace {
+
+/// What an object passes on to those inside it.
+struct Inherited
+{
+    UsageProvider provider;
+    Instant date;
+    std::optional<std::string_view> model;
+    /// The limits below have been reported already, down to the first object that is a limit.
+    bool limitsAreReported = false;
+};
+
+std::optional<UsageProvider> providerHint(const ObjectFields &fields)
+{
+    const auto text = stringValue(fields.find("provider"));
+    if (!text)
+        return std::nullopt;
+    const QString hint =
+        QString::fromUtf8(text->data(), static_cast<qsizetype>(text->size())).toLower();
+    if (hint == QLatin1String("openai"))
+        return UsageProvider::Codex;
+    if (hint == QLatin1String("claude") || hint == QLatin1String("anthropic"))
+        return UsageProvider::Claude;
+    if (hint == QLatin1String("copilot") || hint == QLatin1String("github"))
+        return UsageProvider::Copilot;
+    return std::nullopt;
+}
+
+std::optional<std::string_view> modelName(const ObjectFields &fields)
+{
+    for (const FieldKey key : modelKeys) {
+        const auto name = stringValue(fields.find(key));
+        if (name && !name->empty())
+            return name;
+    }
+    return std::nullopt;
+}
+
+std::optional<TokenUsage> tokensOfMember(const ObjectFields &fields, FieldKey key)
+{
+    const auto member = objectValue(fields.find(key));
+    return member ? tokenUsage(ObjectFields(*member)) : std::nullopt;
+}
+
+/// The tokens of a Codex record of type "token_count". It also holds running totals of the whole
+/// thread, which would count everything again with every record.
+std::optional<TokenUsage> lastTokenUsage(const ObjectFields &fields)
+{
+    if (stringValue(fields.find("type")) != "token_count")
+        return std::nullopt;
+    const auto info = objectValue(fields.find("info"));
+    return info ? tokensOfMember(ObjectFields(*info), "last_token_usage") : std::nullopt;
+}
+
+class RecordWalk
+{
+public:
+    RecordWalk(const LogOrigin &origin, std::vector<UsageEvent> &events)
+        : m_origin(origin)
+        , m_events(events)
+    {
+    }
+
+    void walk(element value, const Inherited &around)
+    {
+        simdjson::dom::array elements;
+        if (value.get(elements) == simdjson::SUCCESS) {
+            for (const element item : elements)
+                walk(item, around);
+            return;
+        }
+        simdjson::dom::object object;
+        if (value.get(object) != simdjson::SUCCESS)
+            return;
+        Inherited passedOn = around;
+        if (!takeObject(object, passedOn))
+            return;
+        forEachContainer(object, [&](std::string_view name, element member) {
+            if (name == "usage" || name == "rate_limit_info")
+                return;
+            if (name == "rate_limits") {
+                Inherited searched = passedOn;
+                searched.limitsAreReported = true;
+                walk(member, searched);
+            } else {
+                walk(member, passedOn);
+            }
+        });
+    }
+
+private:
+    /// Appends the object's event, if it has one, and makes \a context that of its members. False
+    /// when these are not to be walked. Apart from walk(), whose frames may stand a thousand deep
+    /// and stay small so.
+    [[gnu::noinline]] bool takeObject(simdjson::dom::object object, Inherited &context)
+    {
+        const ObjectFields fields(object);
+        if (const auto date = timestamp(fields, m_origin.zone))
+            context.date = *date;
+        if (const auto model = modelName(fields))
+            context.model = model;
+        if (const auto provider = providerHint(fields))
+            context.provider = *provider;
+
+        if (context.limitsAreReported && isRateLimit(fields, m_origin.zone))
+            context.limitsAreReported = false;
+        std::vector<RateLimitUsage> limits;
+        if (!context.limitsAreReported)
+            limits = rateLimits(fields, m_origin.zone);
+
+        if (context.provider == UsageProvider::Codex) {
+            if (const auto tokens = lastTokenUsage(fields)) {
+                append(context, *tokens, std::move(limits));
+                return false;
+            }
+        }
+        auto tokens = tokensOfMember(fields, "usage");
+        if (!tokens)
+            tokens = tokenUsage(fields);
+        if (tokens || !limits.empty())
+            append(context, tokens.value_or(TokenUsage{}), std::move(limits));
+        return true;
+    }
+
+    void append(const Inherited &context, const TokenUsage &tokens,
+                std::vector<RateLimitUsage> limits)
+    {
+        m_events.push_back({
+            .provider = context.provider,
+            .date = context.date,
+            .model =
+                context.model ? std::optional{m_origin.names.shared(*context.model)} : std::nullopt,
+            .usage = tokens,
+            .source = m_origin.source,
+            .rateLimits = std::move(limits),
+        });
+    }
+
+    const LogOrigin &m_origin;
+    std::vector<UsageEvent> &m_events;
+};
+
+} // namespace
+
+void parseRecord(element value, const LogOrigin &origin, std::vector<UsageEvent> &events)
+{
+    RecordWalk(origin, events).walk(value, {.provider = origin.provider, .date = origin.fileDate});
+}
+
+} // namespace tallyglass
