@@ -1,0 +1,69 @@
+#include "store/JsonFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tallyglass {
+
+namespace {
+
+constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+
+/// Creates a folder and those above it that are missing, for the user alone.
+bool makePrivateFolder(const QString &path)
+{
+    if (QFileInfo(path).isDir())
+        return true;
+    const QString parent = QFileInfo(path).path();
+    return parent != path && makePrivateFolder(parent)
+        && mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0;
+}
+
+bool writeWhole(QFile &file, const QByteArray &content)
+{
+    return file.setPermissions(ownerOnly) && file.write(content) == content.size() && file.flush()
+        && file.size() == content.size() && fsync(file.handle()) == 0;
+}
+
+} // namespace
+
+std::optional<QJsonDocument> readJsonFile(const QString &path)
+{
+    constexpr qint64 largestSize = 64 * 1024 * 1024; // bytes; our own files stay far below
+    // Looked at before it is opened: opening a pipe would wait for somebody to write to it.
+    const QFileInfo info(path);
+    QFile file(path);
+    if (!info.isFile() || info.size() > largestSize || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
+    return document.isNull() ? std::nullopt : std::optional{document};
+}
+
+bool writeFileAtomically(const QString &path, const QByteArray &content)
+{
+    if (!makePrivateFolder(QFileInfo(path).path()))
+        return false;
+
+    // Always the same name: after any number of kills before the renaming one file is left at most.
+    const QString unfinishedPath = path + QStringLiteral(".unfinished");
+    QFile::remove(unfinishedPath);
+    QFile unfinished(unfinishedPath);
+    if (!unfinished.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        return false;
+    const bool isWritten = writeWhole(unfinished, content);
+    unfinished.close();
+    if (isWritten
+        && std::rename(QFile::encodeName(unfinishedPath).constData(),
+                       QFile::encodeName(path).constData())
+            == 0)
+        return true;
+    unfinished.remove();
+    return false;
+}
+
+} // namespace tallyglass

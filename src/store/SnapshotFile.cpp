@@ -1,0 +1,36 @@
+#include "store/SnapshotFile.h"
+
+#include "model/UsageJson.h"
+#include "store/JsonFile.h"
+
+namespace tallyglass {
+
+namespace {
+
+const auto fileName = QStringLiteral("usage_snapshot.json");
+
+} // namespace
+
+QByteArray encodeSnapshot(const UsageSnapshot &snapshot)
+{
+    return QJsonDocument(toJson(snapshot)).toJson(QJsonDocument::Indented);
+}
+
+void writeSnapshot(const UsageSnapshot &snapshot, const StorageLocations &locations)
+{
+    const QByteArray content = encodeSnapshot(snapshot);
+    for (const QString &path : locations.writingPaths(fileName))
+        writeFileAtomically(path, content);
+}
+
+std::optional<UsageSnapshot> readSnapshot(const StorageLocations &locations)
+{
+    for (const QString &path : locations.readingPaths(fileName)) {
+        const auto document = readJsonFile(path);
+        if (const auto snapshot = document ? snapshotFromJson(document->object()) : std::nullopt)
+            return snapshot;
+    }
+    return std::nullopt;
+}
+
+} // namespace tallyglass
