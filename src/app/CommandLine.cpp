@@ -1,0 +1,42 @@
+#include "app/CommandLine.h"
+
+#include "model/DisplayTexts.h"
+
+#include <utility>
+
+namespace tallyglass {
+
+Command parseCommandLine(const QStringList &words)
+{
+    command::Report report;
+    bool isReport = false;
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        const QString &word = words[i];
+        if (word == QLatin1String("--help") || word == QLatin1String("-h"))
+            return command::Help{};
+        if (word == QLatin1String("--version"))
+            return command::Version{};
+
+        if (word == QLatin1String("report") && !std::exchange(isReport, true))
+            continue;
+        if (word == QLatin1String("--demo")) {
+            report.inDemoHome = true;
+        } else if (word == QLatin1String("--json") && isReport) {
+            report.asJson = true;
+        } else if (word == QLatin1String("--window") && isReport) {
+            report.window = windowKindFromRawValue(words.value(++i));
+            if (!report.window)
+                return command::Misuse{
+                    formatText("command.unknownWindow.format", {words.value(i)})};
+        } else {
+            return command::Misuse{formatText("command.unknownWord.format", {word})};
+        }
+    }
+    if (report.asJson && report.window)
+        return command::Misuse{displayText("command.jsonIsWhole")};
+    if (isReport)
+        return report;
+    return command::Help{};
+}
+
+} // namespace tallyglass

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "model/UsageWindowKind.h"
+
+#include <QStringList>
+
+#include <optional>
+#include <variant>
+
+namespace tallyglass {
+
+namespace command {
+
+struct Help
+{
+    bool operator==(const Help &) const = default;
+};
+struct Version
+{
+    bool operator==(const Version &) const = default;
+};
+struct Report
+{
+    std::optional<UsageWindowKind> window; ///< absent: all of them
+    bool asJson = false;
+    bool inDemoHome = false;
+
+    bool operator==(const Report &) const = default;
+};
+/// The words make no sense; \c message says why in one line.
+struct Misuse
+{
+    QString message;
+    bool operator==(const Misuse &) const = default;
+};
+
+} // namespace command
+
+using Command = std::variant<command::Help, command::Version, command::Report, command::Misuse>;
+
+/// Reads the words after the program's name.
+Command parseCommandLine(const QStringList &words);
+
+} // namespace tallyglass

@@ -1,0 +1,157 @@
+#include "app/DemoHome.h"
+
+#include "model/IsoDateTime.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <array>
+
+namespace tallyglass {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+qint64 unixSeconds(Instant instant)
+{
+    return std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count();
+}
+
+class LinesFile
+{
+public:
+    explicit LinesFile(const QString &path)
+        : m_file(path)
+    {
+        QDir().mkpath(QFileInfo(path).path());
+        m_file.open(QIODevice::WriteOnly);
+    }
+
+    void append(const QJsonObject &record)
+    {
+        m_file.write(QJsonDocument(record).toJson(QJsonDocument::Compact) + '\n');
+    }
+
+private:
+    QFile m_file;
+};
+
+/// One stretch of work: how long ago, and how much of it.
+struct WorkingHour
+{
+    std::chrono::minutes ago;
+    int amount; ///< of work, a scale for the token counts
+};
+
+/// A month of work: a busy afternoon, and two hours on every day before it.
+std::vector<WorkingHour> workingHours()
+{
+    std::vector<WorkingHour> hours{
+        {5min, 42}, {25min, 61}, {70min, 88}, {130min, 54}, {215min, 73}};
+    for (int day = 1; day < 30; ++day) {
+        const int amount = 30 + day * 37 % 90;
+        hours.push_back({.ago = day * 24h + 40min, .amount = amount});
+        hours.push_back({.ago = day * 24h + 190min, .amount = amount / 2});
+    }
+    return hours;
+}
+
+void writeClaudeTranscript(const QString &home, Instant now)
+{
+    constexpr std::array models{"claude-opus-4-5", "claude-sonnet-4-5", "claude-haiku-4-5"};
+    LinesFile file(home + QStringLiteral("/.claude/projects/-home-demo-webshop/session.jsonl"));
+    std::size_t next = 0;
+    for (const auto &[ago, amount] : workingHours()) {
+        const QString model = QString::fromLatin1(models[next++ * 2 / 3 % models.size()]);
+        const QJsonObject usage{{QStringLiteral("input_tokens"), amount * 16},
+                                {QStringLiteral("output_tokens"), amount * 60},
+                                {QStringLiteral("cache_creation_input_tokens"), amount * 90},
+                                {QStringLiteral("cache_read_input_tokens"), amount * 700}};
+        file.append(
+            {{QStringLiteral("type"), QStringLiteral("assistant")},
+             {QStringLiteral("timestamp"), formatIsoDateTime(now - ago)},
+             {QStringLiteral("message"),
+              QJsonObject{{QStringLiteral("model"), model}, {QStringLiteral("usage"), usage}}}});
+    }
+}
+
+QJsonObject codexLimit(double usedPercent, int minutes, Instant resetDate)
+{
+    return {{QStringLiteral("used_percent"), usedPercent},
+            {QStringLiteral("window_minutes"), minutes},
+            {QStringLiteral("resets_at"), unixSeconds(resetDate)}};
+}
+
+void writeCodexRollout(const QString &home, Instant now)
+{
+    const QJsonObject limits{
+        {QStringLiteral("primary"), codexLimit(64, 300, now + 107min)},
+        {QStringLiteral("secondary"), codexLimit(38, 10'080, now + 3 * 24h + 290min)},
+        {QStringLiteral("plan_type"), QStringLiteral("plus")}};
+    LinesFile file(home + QStringLiteral("/.codex/sessions/rollout-demo.jsonl"));
+    for (const auto &[ago, amount] : workingHours()) {
+        const QJsonObject usage{{QStringLiteral("input_tokens"), amount * 640},
+                                {QStringLiteral("output_tokens"), amount * 50},
+                                {QStringLiteral("total_tokens"), amount * 690}};
+        const QJsonObject payload{
+            {QStringLiteral("type"), QStringLiteral("token_count")},
+            {QStringLiteral("model"), QStringLiteral("gpt-5.1-codex")},
+            {QStringLiteral("info"), QJsonObject{{QStringLiteral("last_token_usage"), usage}}},
+            {QStringLiteral("rate_limits"), limits}};
+        file.append({{QStringLiteral("timestamp"), formatIsoDateTime(now - ago)},
+                     {QStringLiteral("type"), QStringLiteral("event_msg")},
+                     {QStringLiteral("payload"), payload}});
+    }
+}
+
+void writeCopilotSessions(const QString &home, Instant now)
+{
+    int session = 0;
+    for (const auto &[ago, amount] : workingHours()) {
+        LinesFile file(
+            home + QStringLiteral("/.copilot/session-state/demo-%1/events.jsonl").arg(++session));
+        const QJsonObject usage{{QStringLiteral("inputTokens"), amount * 310},
+                                {QStringLiteral("outputTokens"), amount * 35}};
+        const QJsonObject metrics{
+            {session % 3 == 0 ? QStringLiteral("claude-haiku-4.5") : QStringLiteral("gpt-5-mini"),
+             QJsonObject{{QStringLiteral("usage"), usage}}}};
+        file.append(
+            {{QStringLiteral("type"), QStringLiteral("session.shutdown")},
+             {QStringLiteral("timestamp"), formatIsoDateTime(now - ago)},
+             {QStringLiteral("data"), QJsonObject{{QStringLiteral("modelMetrics"), metrics}}}});
+    }
+}
+
+void writeStatuslineLimits(const QString &home, Instant now)
+{
+    const auto limit = [](double percentage, int minutes, Instant resetDate) {
+        return QJsonObject{{QStringLiteral("used_percentage"), percentage},
+                           {QStringLiteral("window_minutes"), minutes},
+                           {QStringLiteral("resets_at"), unixSeconds(resetDate)}};
+    };
+    LinesFile file(
+        home
+        + QStringLiteral("/Library/Application Support/Tallyglass/statusline_rate_limits.json"));
+    file.append(
+        {{QStringLiteral("timestamp"), unixSeconds(now - 2min)},
+         {QStringLiteral("rate_limits"),
+          QJsonObject{{QStringLiteral("five_hour"), limit(83, 300, now + 48min)},
+                      {QStringLiteral("seven_day"), limit(57, 10'080, now + 4 * 24h + 130min)}}}});
+}
+
+} // namespace
+
+DemoHome::DemoHome(Instant now)
+    : m_folder(QDir::tempPath() + QStringLiteral("/tallyglass-demo-XXXXXX"))
+{
+    writeClaudeTranscript(path(), now);
+    writeCodexRollout(path(), now);
+    writeCopilotSessions(path(), now);
+    writeStatuslineLimits(path(), now);
+}
+
+} // namespace tallyglass
