@@ -32,10 +32,10 @@ constexpr std::string_view statuslineFile =
 constexpr std::array<std::string_view, 4> acceptedExtensions{"json", "jsonl", "ndjson", "log"};
 
 /// Extensions of folders that the system shows as one thing.
-constexpr std::array<std::string_view, 16> packageExtensions{
-    "app",           "bundle",   "framework",   "plugin",     "appex", "xpc",
-    "kext",          "prefpane", "qlgenerator", "mdimporter", "pkg",   "mpkg",
-    "photoslibrary", "rtfd",     "xcodeproj",   "xcworkspace"};
+constexpr std::array<std::string_view, 17> packageExtensions{
+    "app",           "bundle",   "framework",   "plugin",      "appex",     "xpc",
+    "kext",          "prefpane", "qlgenerator", "mdimporter",  "pkg",       "mpkg",
+    "photoslibrary", "rtfd",     "xcodeproj",   "xcworkspace", "playground"};
 
 /// The lower-cased extension; none for a name that only begins with a full stop.
 std::string extensionOf(std::string_view name)
