@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace tallyglass {
+
+/// Whether the system starts the program when the user logs in.
+class LoginItem
+{
+public:
+    virtual ~LoginItem();
+
+    virtual bool isEnabled() const = 0;
+    /// Gives the system's own text of what went wrong, nothing on success.
+    virtual std::optional<QString> setEnabled(bool enabled) = 0;
+};
+
+} // namespace tallyglass

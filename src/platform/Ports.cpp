@@ -1,0 +1,16 @@
+#include "platform/Ports.h"
+
+namespace tallyglass {
+
+// Each here, so that its table of virtual functions exists once.
+Clock::~Clock() = default;
+HttpClient::~HttpClient() = default;
+Keychain::~Keychain() = default;
+LoginItem::~LoginItem() = default;
+Notifier::~Notifier() = default;
+ProcessRunner::~ProcessRunner() = default;
+UpdaterEngine::~UpdaterEngine() = default;
+UserDefaults::~UserDefaults() = default;
+WidgetCentre::~WidgetCentre() = default;
+
+} // namespace tallyglass
