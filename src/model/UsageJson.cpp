@@ -2,8 +2,6 @@
 
 #include "model/IsoDateTime.h"
 
-#include <QJsonArray>
-
 namespace tallyglass {
 
 namespace {
@@ -49,9 +47,10 @@ QJsonObject toJson(const RateLimitUsage &limit)
 
 QJsonObject toJson(const ProviderUsageSummary &summary);
 QJsonObject toJson(const WindowUsageSummary &summary);
+QJsonObject toJson(const UsageHistorySample &sample);
 
 template<typename Record>
-QJsonArray toJson(const std::vector<Record> &records)
+QJsonArray toJsonArray(const std::vector<Record> &records)
 {
     QJsonArray array;
     for (const Record &record : records)
@@ -66,7 +65,7 @@ QJsonObject toJson(const ProviderUsageSummary &summary)
         {QLatin1String("tokens"), toJson(summary.tokens)},
         {QLatin1String("eventCount"), QJsonValue(qint64{summary.eventCount})},
         {QLatin1String("budgetTokens"), QJsonValue(qint64{summary.budgetTokens})},
-        {QLatin1String("models"), toJson(summary.models)},
+        {QLatin1String("models"), toJsonArray(summary.models)},
     };
     if (summary.rateLimit)
         json.insert(QLatin1String("rateLimit"), toJson(*summary.rateLimit));
@@ -79,7 +78,19 @@ QJsonObject toJson(const WindowUsageSummary &summary)
         {QLatin1String("window"), QString(rawValue(summary.window))},
         {QLatin1String("startDate"), formatIsoDateTime(summary.startDate)},
         {QLatin1String("endDate"), formatIsoDateTime(summary.endDate)},
-        {QLatin1String("providers"), toJson(summary.providers)},
+        {QLatin1String("providers"), toJsonArray(summary.providers)},
+    };
+}
+
+QJsonObject toJson(const UsageHistorySample &sample)
+{
+    return {
+        {QLatin1String("id"), sample.id.toString(QUuid::WithoutBraces).toUpper()},
+        {QLatin1String("date"), formatIsoDateTime(sample.date)},
+        {QLatin1String("provider"), QString(rawValue(sample.provider))},
+        {QLatin1String("fiveHourPercent"), sample.fiveHourPercent},
+        {QLatin1String("weekPercent"), sample.weekPercent},
+        {QLatin1String("totalTokens"), QJsonValue(qint64{sample.totalTokens})},
     };
 }
 
@@ -235,14 +246,34 @@ std::optional<WindowUsageSummary> windowSummaryFromJson(const QJsonValue &json)
     return reader.ok() ? std::optional{std::move(summary)} : std::nullopt;
 }
 
+std::optional<UsageHistorySample> sampleFromJson(const QJsonValue &json)
+{
+    MemberReader reader(json);
+    const QUuid id = QUuid::fromString(reader.string(QLatin1String("id")));
+    const UsageHistorySample sample{
+        .id = reader.require(id.isNull() ? std::nullopt : std::optional{id}),
+        .date = reader.date(QLatin1String("date")),
+        .provider = reader.require(providerFromRawValue(reader.string(QLatin1String("provider")))),
+        .fiveHourPercent = reader.number(QLatin1String("fiveHourPercent")),
+        .weekPercent = reader.number(QLatin1String("weekPercent")),
+        .totalTokens = reader.integer(QLatin1String("totalTokens")),
+    };
+    return reader.ok() ? std::optional{sample} : std::nullopt;
+}
+
 } // namespace
 
 QJsonObject toJson(const UsageSnapshot &snapshot)
 {
     return {
         {QLatin1String("generatedAt"), formatIsoDateTime(snapshot.generatedAt)},
-        {QLatin1String("summaries"), toJson(snapshot.summaries)},
+        {QLatin1String("summaries"), toJsonArray(snapshot.summaries)},
     };
+}
+
+QJsonArray toJson(const std::vector<UsageHistorySample> &samples)
+{
+    return toJsonArray(samples);
 }
 
 std::optional<UsageSnapshot> snapshotFromJson(const QJsonObject &json)
@@ -253,6 +284,19 @@ std::optional<UsageSnapshot> snapshotFromJson(const QJsonObject &json)
         .summaries = reader.list(QLatin1String("summaries"), windowSummaryFromJson),
     };
     return reader.ok() ? std::optional{std::move(snapshot)} : std::nullopt;
+}
+
+std::optional<std::vector<UsageHistorySample>> historyFromJson(const QJsonArray &json)
+{
+    std::vector<UsageHistorySample> samples;
+    samples.reserve(static_cast<std::size_t>(json.size()));
+    for (const QJsonValue element : json) {
+        const auto sample = sampleFromJson(element);
+        if (!sample)
+            return std::nullopt;
+        samples.push_back(*sample);
+    }
+    return samples;
 }
 
 } // namespace tallyglass
