@@ -9,11 +9,13 @@ namespace tallyglass {
 struct Host
 {
     QString homeFolder;
+    QString temporaryFolder;
     QStringList searchPath; ///< the folders of PATH, in order
 
     QString bundleIdentifier; ///< empty when the program runs without a bundle
     QString shortVersion; ///< "1.4.0", empty when unknown
     QString buildVersion; ///< "104", empty when unknown
+    QString claudeApi; ///< scheme and host of the Claude API, as the build states it
     QString feedUrl; ///< of the update feed, as the build states it; may be empty or no URL
     QString publicKey; ///< that updates are signed with, as the build states it
 };

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "model/RateLimitUsage.h"
+#include "platform/Clock.h"
+#include "platform/Host.h"
+#include "platform/HttpClient.h"
+#include "platform/Keychain.h"
+#include "services/ClaudeUsageAPIStatus.h"
+
+#include <QCoroTask>
+
+#include <optional>
+#include <vector>
+
+namespace tallyglass {
+
+/// Asks the Claude usage endpoint for its limits, with the token that Claude Code keeps, at most
+/// once a minute.
+///
+/// No error leaves this class: the outcome of the last request is status(), and the limits of the
+/// last good answer stay in force. It must outlive the calls that wait in it.
+class ClaudeUsageAPI
+{
+public:
+    ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http, const Keychain &keychain);
+
+    QCoro::Task<std::vector<RateLimitUsage>> fetchLimits();
+    const ClaudeUsageAPIStatus &status() const { return m_status; }
+
+private:
+    bool isThrottled(Instant now) const;
+    void take(const HttpReply &reply, Instant now);
+
+    const Host &m_host;
+    Clock &m_clock;
+    HttpClient &m_http;
+    const Keychain &m_keychain;
+
+    ClaudeUsageAPIStatus m_status;
+    std::vector<RateLimitUsage> m_cachedLimits;
+    Instant m_throttleUntil = Instant::min();
+};
+
+/// The limits in an answer of the endpoint; nothing when it is no JSON object.
+std::optional<std::vector<RateLimitUsage>> limitsFromAnswer(const QByteArray &body);
+
+} // namespace tallyglass
