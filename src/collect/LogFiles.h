@@ -10,7 +10,7 @@
 namespace tallyglass {
 
 /// A larger file is not read.
-inline constexpr std::int64_t largestFileRead = 32 * 1024 * 1024; // bytes
+inline constexpr std::int64_t largestFileRead = 33'554'432; // bytes
 
 /// One file that the collection reads.
 struct LogFile

@@ -3,8 +3,8 @@
 namespace tallyglass {
 
 ObjectFields::ObjectFields(simdjson::dom::object object)
+    : m_slots(noSlots)
 {
-    m_slots.fill(absent);
     for (const auto &member : object) {
         const auto index = FieldKey::find(member.key);
         if (!index)

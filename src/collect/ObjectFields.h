@@ -28,8 +28,14 @@ public:
 
 private:
     static constexpr std::uint8_t absent = 0xff;
+    using Slots = std::array<std::uint8_t, fieldNames.size()>;
+    static constexpr Slots noSlots = [] {
+        Slots slots{};
+        slots.fill(absent);
+        return slots;
+    }();
 
-    std::array<std::uint8_t, fieldNames.size()> m_slots;
+    Slots m_slots; ///< by the place of the name in the table: where m_values has its value
     std::uint8_t m_count = 0;
     std::array<simdjson::dom::element, fieldNames.size()> m_values;
 };

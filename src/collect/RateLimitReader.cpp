@@ -137,10 +137,11 @@ std::vector<RateLimitUsage> rateLimits(const ObjectFields &record, const QTimeZo
     constexpr std::array<FieldKey, 2> containers{"rate_limits", "rate_limit_info"};
     std::vector<RateLimitUsage> found;
     for (const FieldKey container : containers) {
-        if (const element *value = record.find(container))
+        if (const element *value = record.find(container)) {
             LimitSearch(zone, found)
                 .search(*value, fieldNames[container.index()],
                         stringValue(record.find("plan_type")));
+        }
     }
     return found;
 }

@@ -49,7 +49,7 @@ static_assert(stepSize + lookAhead <= scanPadding);
 
 [[gnu::always_inline]] inline bool anySet(Block block)
 {
-    std::array<std::uint64_t, 4> words;
+    std::array<std::uint64_t, 4> words{};
     static_assert(sizeof words == sizeof block);
     std::memcpy(words.data(), &block, sizeof block);
     return ((words[0] | words[1]) | (words[2] | words[3])) != 0;

@@ -68,10 +68,11 @@ QString formatResetCountdown(Instant resetDate, Instant now)
 {
     const seconds left = remaining(resetDate, now);
     const QLocale locale;
-    if (left >= 24h)
+    if (left >= 24h) {
         return formatText(
             "reset.daysHours",
             {locale.toString(qint64{left / 24h}), locale.toString(qint64{left % 24h / 1h})});
+    }
     if (left < 1h)
         return formatText("reset.minutes", {locale.toString(qint64{minutesShown(left)})});
     return formatText(

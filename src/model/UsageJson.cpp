@@ -158,7 +158,7 @@ public:
     Value require(std::optional<Value> value)
     {
         check(value.has_value());
-        return value.value_or(Value{});
+        return std::move(value).value_or(Value{});
     }
 
     template<typename Record>
