@@ -98,11 +98,17 @@ bool ClaudeUsageAPI::isThrottled(Instant now) const
     return now < m_throttleUntil && m_throttleUntil - now <= pauseAfterTooManyRequests;
 }
 
+/// A copy: QCoro moves from whatever a coroutine returns, a member included.
+std::vector<RateLimitUsage> ClaudeUsageAPI::cachedLimits() const
+{
+    return m_cachedLimits;
+}
+
 QCoro::Task<std::vector<RateLimitUsage>> ClaudeUsageAPI::fetchLimits()
 {
     const Instant now = m_clock.now();
     if (isThrottled(now))
-        co_return m_cachedLimits;
+        co_return cachedLimits();
     // Set before the first wait, so that a second caller meanwhile is answered from the cache.
     m_throttleUntil = now + minInterval;
 
@@ -119,7 +125,7 @@ QCoro::Task<std::vector<RateLimitUsage>> ClaudeUsageAPI::fetchLimits()
             reply = co_await m_http.get(std::move(request));
         take(reply, now);
     }
-    co_return m_cachedLimits;
+    co_return cachedLimits();
 }
 
 void ClaudeUsageAPI::take(const HttpReply &reply, Instant now)

@@ -29,6 +29,7 @@ public:
 
 private:
     bool isThrottled(Instant now) const;
+    std::vector<RateLimitUsage> cachedLimits() const;
     void take(const HttpReply &reply, Instant now);
 
     const Host &m_host;

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "platform/Ports.h"
+#include "support/FakeClock.h"
+#include "support/FakeHttp.h"
+
+#include <QHash>
+#include <QVariant>
+
+#include <vector>
+
+namespace tallyglass::test {
+
+class FakeKeychain final : public Keychain
+{
+public:
+    std::optional<QByteArray> genericPassword(const QString &service) const override
+    {
+        const auto item = items.find(service);
+        return item != items.end() ? std::optional{*item} : std::nullopt;
+    }
+
+    QHash<QString, QByteArray> items;
+};
+
+class FakeLoginItem final : public LoginItem
+{
+public:
+    bool isEnabled() const override { return enabled; }
+    std::optional<QString> setEnabled(bool value) override
+    {
+        if (!refusal)
+            enabled = value;
+        return refusal;
+    }
+
+    bool enabled = false;
+    std::optional<QString> refusal;
+};
+
+class FakeNotifier final : public Notifier
+{
+public:
+    void requestPermission() override { ++permissionRequests; }
+    void post(const Notification &notification) override { posted.push_back(notification); }
+
+    int permissionRequests = 0;
+    std::vector<Notification> posted;
+};
+
+/// Ends at once with the given outcome, and remembers what it was to run.
+class FakeProcessRunner final : public ProcessRunner
+{
+public:
+    QCoro::Task<bool> run(ProcessJob job) override
+    {
+        jobs.push_back(std::move(job));
+        co_return succeeds;
+    }
+
+    bool succeeds = true;
+    std::vector<ProcessJob> jobs;
+};
+
+class FakeUserDefaults final : public UserDefaults
+{
+public:
+    QVariant value(const QString &key) const override { return values.value(key); }
+    void setValue(const QString &key, const QVariant &value) override { values.insert(key, value); }
+
+    QHash<QString, QVariant> values;
+};
+
+class FakeWidgetCentre final : public WidgetCentre
+{
+public:
+    void reloadAllTimelines() override { ++reloads; }
+
+    int reloads = 0;
+};
+
+/// A whole machine of fakes. The references stay valid as long as the ports live.
+struct FakePorts
+{
+    explicit FakePorts(const QString &home)
+        : clock(*new FakeClock)
+        , http(*new FakeHttp)
+        , keychain(*new FakeKeychain)
+        , loginItem(*new FakeLoginItem)
+        , notifier(*new FakeNotifier)
+        , processes(*new FakeProcessRunner)
+        , defaults(*new FakeUserDefaults)
+        , widgets(*new FakeWidgetCentre)
+    {
+        ports.host = {.homeFolder = home,
+                      .temporaryFolder = home + QStringLiteral("/tmp"),
+                      .shortVersion = QStringLiteral("1.0"),
+                      .buildVersion = QStringLiteral("10"),
+                      .claudeApi = QStringLiteral("https://api.example")};
+        ports.clock.reset(&clock);
+        ports.http.reset(&http);
+        ports.keychain.reset(&keychain);
+        ports.loginItem.reset(&loginItem);
+        ports.notifier.reset(&notifier);
+        ports.processes.reset(&processes);
+        ports.defaults.reset(&defaults);
+        ports.widgets.reset(&widgets);
+    }
+
+    Ports ports;
+    FakeClock &clock;
+    FakeHttp &http;
+    FakeKeychain &keychain;
+    FakeLoginItem &loginItem;
+    FakeNotifier &notifier;
+    FakeProcessRunner &processes;
+    FakeUserDefaults &defaults;
+    FakeWidgetCentre &widgets;
+};
+
+} // namespace tallyglass::test
