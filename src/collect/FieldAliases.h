@@ -106,7 +106,10 @@ constexpr std::optional<std::size_t> FieldKey::find(std::string_view name)
         return std::nullopt;
     const auto &names = detail::namesByLength;
     for (std::size_t i = names.start[name.size()]; i < names.start[name.size() + 1]; ++i) {
-        if (fieldNames[names.order[i]] == name)
+        // Most names differ in the first character; a call to compare the rest costs ten times
+        // more.
+        const std::string_view candidate = fieldNames[names.order[i]];
+        if (candidate.front() == name.front() && candidate == name)
             return names.order[i];
     }
     return std::nullopt;

@@ -53,6 +53,8 @@ std::size_t whiteSpaceLength(std::string_view text)
     const char first = text.front();
     if (first == ' ' || (first >= '\t' && first <= '\r'))
         return 1;
+    if ((first & 0x80) == 0)
+        return 0;
     // Beyond ASCII: U+0085, U+00A0, U+1680, U+2000 to U+200A, U+2028, U+2029, U+202F, U+205F,
     // U+3000.
     constexpr std::array<std::string_view, 19> others{

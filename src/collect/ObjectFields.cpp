@@ -12,7 +12,7 @@ ObjectFields::ObjectFields(simdjson::dom::object object)
         std::uint8_t &slot = m_slots[*index];
         if (slot == absent)
             slot = m_count++;
-        m_values[slot] = member.value;
+        m_values.filled[slot] = member.value;
     }
 }
 

@@ -23,7 +23,7 @@ public:
     const simdjson::dom::element *find(FieldKey key) const
     {
         const std::uint8_t slot = m_slots[key.index()];
-        return slot == absent ? nullptr : &m_values[slot];
+        return slot == absent ? nullptr : &m_values.filled[slot];
     }
 
 private:
@@ -37,7 +37,12 @@ private:
 
     Slots m_slots; ///< by the place of the name in the table: where m_values has its value
     std::uint8_t m_count = 0;
-    std::array<simdjson::dom::element, fieldNames.size()> m_values;
+    /// Not initialised: clearing room for all names costs more than filling in the few of an
+    /// object.
+    union Values {
+        Values() { } // NOLINT(modernize-use-equals-default): it would be deleted
+        std::array<simdjson::dom::element, fieldNames.size()> filled;
+    } m_values;
 };
 
 /// Calls \a visit(name, value) for each member that holds an object or an array, in their order. Of

@@ -15,7 +15,7 @@ namespace {
 using Block = std::uint8_t __attribute__((vector_size(32)));
 
 /// Blocks examined before the first test for a match.
-constexpr std::size_t blocksPerStep = 4;
+constexpr std::size_t blocksPerStep = 2;
 constexpr std::size_t stepSize = blocksPerStep * sizeof(Block);
 
 /// The furthest lane that a test looks at, from the place where a marker begins.
@@ -29,22 +29,20 @@ static_assert(stepSize + lookAhead <= scanPadding);
     return block;
 }
 
-/// Lanes at which a marker may begin. Two or three characters of each are compared: enough to let
-/// through hardly anything else.
+/// Lanes at which a marker may begin. Two or three characters of each are compared: few enough to
+/// be fast, and enough to let through hardly anything else. Comparing the first two alone is ten
+/// times slower on source code, where "_t" and "_l" are everywhere.
 [[gnu::always_inline]] inline Block possibleMarkers(const char *at)
 {
     const Block first = load(at);
-    const Block second = load(at + 1);
     const Block fourth = load(at + 3);
     const Block fifth = load(at + 4);
     const Block eighth = load(at + lookAhead);
 
-    const auto tokens = (second == 't') & (eighth == '"'); // _tokens"
-    const auto limit = (second == 'l') & (fourth == 'm'); // rate_limit
-    const auto metrics = (first == 'M') & (second == 'e') & (eighth == '"'); // Metrics"
-    const auto escape = (first == '\\') & (second == 'u') & (fourth == '0') & (fifth >= '4')
-        & (fifth <= '7'); // \u0061
-    return Block(((first == '_') & (tokens | limit)) | metrics | escape);
+    const auto quoted = ((first == '_') | (first == 'M')) & (eighth == '"'); // _tokens" Metrics"
+    const auto limit = (first == '_') & (fourth == 'm') & (fifth == 'i'); // rate_limit
+    const auto escape = (first == '\\') & (fourth == '0') & ((fifth & 0xfc) == '4'); // \u0061
+    return Block(quoted | limit | escape);
 }
 
 [[gnu::always_inline]] inline bool anySet(Block block)
@@ -58,18 +56,11 @@ static_assert(stepSize + lookAhead <= scanPadding);
 bool isMarker(const char *text, std::size_t at, std::size_t size)
 {
     const std::string_view rest(text + at, size - at);
-    switch (rest.front()) {
-    case '_':
-        return rest.starts_with("_tokens\"")
-            || (at >= 4
-                && std::string_view(text + at - 4, size - at + 4).starts_with("rate_limit"));
-    case 'M':
-        return rest.starts_with("Metrics\"");
-    case '\\':
-        return rest.starts_with("\\u00") && rest.size() > 4 && rest[4] >= '4' && rest[4] <= '7';
-    default:
-        return false;
-    }
+    if (rest.starts_with("_tokens\"") || rest.starts_with("Metrics\""))
+        return true;
+    if (rest.starts_with("\\u00"))
+        return rest.size() > 4 && rest[4] >= '4' && rest[4] <= '7';
+    return at >= 4 && std::string_view(text + at - 4, size - at + 4).starts_with("rate_limit");
 }
 
 [[gnu::always_inline]] inline std::size_t findIn(const char *text, std::size_t from,
@@ -81,8 +72,10 @@ bool isMarker(const char *text, std::size_t at, std::size_t size)
             possible |= possibleMarkers(text + step + block * sizeof(Block));
         if (!anySet(possible))
             continue;
-        for (std::size_t at = step; at < std::min(step + stepSize, size); ++at) {
-            if (isMarker(text, at, size))
+        const std::size_t end = std::min(step + stepSize, size);
+        for (std::size_t at = step; at < end; ++at) {
+            const char first = text[at];
+            if ((first == '_' || first == 'M' || first == '\\') && isMarker(text, at, size))
                 return at;
         }
     }
