@@ -9,25 +9,25 @@
 namespace tallyglass {
 
 /// Every member name that the readers know.
-inline constexpr std::array<std::string_view, 51> fieldNames{
-    // When
-    "timestamp", "created_at", "createdAt", "date", "time", "started_at", "request_start_time",
-    // Who
-    "model", "model_name", "modelName", "provider",
-    // How much
-    "usage", "input_tokens", "prompt_tokens", "output_tokens", "completion_tokens",
-    "cache_creation_input_tokens", "cache_creation_tokens", "cache_read_input_tokens",
-    "cache_read_tokens", "total_tokens",
-    // Codex token records
-    "type", "info", "last_token_usage",
-    // Limits
-    "rate_limits", "rate_limit_info", "used_percent", "used_percentage", "resetsAt", "resets_at",
-    "reset_at", "resetDate", "window_minutes", "windowMinutes", "duration_minutes",
-    "durationMinutes", "window", "period", "name", "limit_name", "rateLimitType", "rate_limit_type",
-    "plan_type",
-    // Copilot shutdown records
-    "data", "modelMetrics", "inputTokens", "outputTokens", "reasoningTokens", "cacheWriteTokens",
-    "cacheReadTokens"};
+inline constexpr auto fieldNames = std::to_array<std::string_view>(
+    {// When
+     "timestamp", "created_at", "createdAt", "date", "time", "started_at", "request_start_time",
+     // Who
+     "model", "model_name", "modelName", "provider",
+     // How much
+     "usage", "input_tokens", "prompt_tokens", "output_tokens", "completion_tokens",
+     "cache_creation_input_tokens", "cache_creation_tokens", "cache_read_input_tokens",
+     "cache_read_tokens", "total_tokens",
+     // Codex token records
+     "type", "info", "last_token_usage",
+     // Limits
+     "rate_limits", "rate_limit_info", "used_percent", "used_percentage", "resetsAt", "resets_at",
+     "reset_at", "resetDate", "window_minutes", "windowMinutes", "duration_minutes",
+     "durationMinutes", "window", "period", "name", "limit_name", "rateLimitType",
+     "rate_limit_type", "plan_type",
+     // Copilot shutdown records
+     "data", "modelMetrics", "inputTokens", "outputTokens", "reasoningTokens", "cacheWriteTokens",
+     "cacheReadTokens"});
 
 /// A name of the table; one that it lacks does not compile.
 class FieldKey
@@ -97,6 +97,7 @@ consteval NamesByLength sortNamesByLength()
 
 inline constexpr NamesByLength namesByLength = sortNamesByLength();
 static_assert(namesByLength.start.back() == fieldNames.size(), "a name is longer than longest");
+static_assert(namesByLength.start[1] == 0, "no name is empty");
 
 } // namespace detail
 
