@@ -26,6 +26,8 @@ struct WrittenEvent
     UsageProvider provider = UsageProvider::Claude;
     std::string model; ///< empty when the record names none
     TokenUsage tokens;
+
+    bool operator==(const WrittenEvent &) const = default;
 };
 
 struct GeneratedHome
