@@ -78,9 +78,11 @@ int runReport(const command::Report &options, const Host &host, Instant now)
             windows = {snapshot.summary(*options.window, now, zone)};
         output = reportTable(windows, now, styleOfStandardOutput()).toUtf8();
     }
-    std::fwrite(output.constData(), 1, static_cast<std::size_t>(output.size()), stdout);
-    // A full disk or a closed pipe shows only now.
-    return std::fflush(stdout) == 0 ? 0 : 1;
+    // A full disk or a closed pipe shows in the first for long outputs, in the second for short
+    // ones.
+    const auto size = static_cast<std::size_t>(output.size());
+    const bool isWritten = std::fwrite(output.constData(), 1, size, stdout) == size;
+    return isWritten && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 } // namespace tallyglass

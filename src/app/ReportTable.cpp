@@ -119,10 +119,13 @@ public:
                 cell = cells[column]; // The last column: no blanks behind it.
             if (column > 0 && !cell.isEmpty())
                 cell.prepend(QStringLiteral("  "));
-            if (m_style.width)
+            const bool isCut = m_style.width && displayWidth(cell) > *m_style.width - used;
+            if (isCut)
                 cell = elided(cell, *m_style.width - used);
             used += displayWidth(cell);
             line += looking(cell, column == Used ? figureLook : lineLook);
+            if (isCut)
+                break; // A wide character may leave a column free; nothing goes there.
         }
         m_text += line + u'\n';
     }

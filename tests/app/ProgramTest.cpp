@@ -1,0 +1,166 @@
+#include "model/IsoDateTime.h"
+#include "model/UsageJson.h"
+#include "services/TakeSnapshot.h"
+#include "store/SnapshotFile.h"
+#include "support/Table.h"
+#include "support/TemporaryHome.h"
+
+#include <QJsonDocument>
+#include <QProcess>
+#include <QTimeZone>
+
+using namespace tallyglass;
+
+namespace {
+
+struct Outcome
+{
+    int status = -1; ///< -1: it did not end by itself
+    QByteArray output;
+    QByteArray errors;
+};
+
+/// Runs the program as a user does, in a home and a temporary folder of its own.
+Outcome run(const QStringList &words, const test::TemporaryHome &home,
+            const QString &outputFile = {})
+{
+    QProcess program;
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), home.path());
+    environment.insert(QStringLiteral("TMPDIR"), home.path(QStringLiteral("tmp")));
+    program.setProcessEnvironment(environment);
+    QDir(home.path()).mkdir(QStringLiteral("tmp"));
+    if (!outputFile.isEmpty())
+        program.setStandardOutputFile(outputFile);
+    program.start(QStringLiteral(TG_PROGRAM), words);
+    const bool hasEnded = program.waitForFinished() && program.exitStatus() == QProcess::NormalExit;
+    return {.status = hasEnded ? program.exitCode() : -1,
+            .output = program.readAllStandardOutput(),
+            .errors = program.readAllStandardError()};
+}
+
+const QStringList jsonReport{QStringLiteral("report"), QStringLiteral("--json")};
+
+/// The text with the current time in place of NOW.
+QByteArray datedNow(QByteArray text)
+{
+    const auto now =
+        std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
+    return text.replace("NOW", formatIsoDateTime(now).toUtf8());
+}
+
+} // namespace
+
+struct OverflowRow
+{
+    const char *name;
+    QString file;
+    QByteArray lines;
+};
+
+class ProgramTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void jsonReportIsTheSnapshotFile()
+    {
+        const test::TemporaryHome home;
+        const QString claude = home.write(
+            QStringLiteral(".claude/projects/p/s.jsonl"),
+            datedNow(R"({"timestamp":"NOW","model":"opus","usage":{"input_tokens":70000}})"));
+        home.write(QStringLiteral("Library/Application Support/Tallyglass/budgets.json"),
+                   R"({"tokenBudgets":{"claude.week":100000}})");
+        const Outcome outcome = run(jsonReport, home);
+        QCOMPARE(outcome.status, 0);
+        QCOMPARE(outcome.errors, QByteArray());
+
+        const auto snapshot = snapshotFromJson(QJsonDocument::fromJson(outcome.output).object());
+        QVERIFY(snapshot);
+        const auto week = snapshot->summary(UsageWindowKind::Week, {}, QTimeZone::utc());
+        QCOMPARE(week.summary(UsageProvider::Claude).percentText(), QStringLiteral("~70%"));
+
+        // The same moment again, written to its file and not to a pipe.
+        const Host host{.homeFolder = home.path()};
+        CollectionProgress progress;
+        writeSnapshot(
+            takeSnapshot(host, snapshot->generatedAt, QTimeZone::systemTimeZone(), progress),
+            StorageLocations(host));
+        QCOMPARE(outcome.output,
+                 home.read(QStringLiteral("Library/Application Support/Tallyglass/"
+                                          "usage_snapshot.json")));
+    }
+
+    void reportWritesNothing()
+    {
+        const test::TemporaryHome home;
+        QCOMPARE(run({QStringLiteral("report")}, home).status, 0);
+        QCOMPARE(
+            QDir(home.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+            QStringList{QStringLiteral("tmp")});
+    }
+
+    void demoShowsAllToolsAndLeavesNothing()
+    {
+        const test::TemporaryHome home;
+        const Outcome outcome = run(jsonReport + QStringList{QStringLiteral("--demo")}, home);
+        QCOMPARE(outcome.status, 0);
+        const auto snapshot = snapshotFromJson(QJsonDocument::fromJson(outcome.output).object());
+        QVERIFY(snapshot);
+        const auto window = snapshot->summary(UsageWindowKind::FiveHours, {}, QTimeZone::utc());
+        QCOMPARE(window.activeProviders().size(), allProviders.size());
+        for (const auto &provider : window.providers)
+            QVERIFY(!provider.models.empty());
+        QVERIFY(QDir(home.path(QStringLiteral("tmp"))).isEmpty());
+    }
+
+    void misuseIsOneLineAndStatusTwo()
+    {
+        const Outcome outcome = run({QStringLiteral("raport")}, {});
+        QCOMPARE(outcome.status, 2);
+        QCOMPARE(outcome.output, QByteArray());
+        QCOMPARE(outcome.errors.count('\n'), 1);
+        QVERIFY(outcome.errors.startsWith("tallyglass: ") && outcome.errors.contains("raport"));
+    }
+
+    void outputThatCannotBeWrittenFails()
+    {
+        const auto full = QStringLiteral("/dev/full");
+        if (!QFile::exists(full))
+            QSKIP("this system has no /dev/full");
+        QCOMPARE(run(jsonReport, {}, full).status, 1);
+    }
+
+    void overflowEndsTheProgram_data()
+    {
+        const auto claude = QStringLiteral(".claude/a.jsonl");
+        const auto copilot = QStringLiteral(".copilot/session-state/a.jsonl");
+        const QByteArray half = R"({"timestamp":"NOW","input_tokens":5000000000000000000})";
+        test::table<OverflowRow>({
+            {"two events", claude, half + "\n" + half},
+            {"two aliases", claude, R"({"input_tokens":9223372036854775807,"prompt_tokens":1})"},
+            {"two counters", claude, R"({"input_tokens":9223372036854775807,"output_tokens":1})"},
+            {"stated totals", claude,
+             R"([{"timestamp":"NOW","total_tokens":9223372036854775807},
+                 {"timestamp":"NOW","total_tokens":1}])"},
+            {"below the smallest", claude,
+             R"({"input_tokens":-9223372036854775808,"output_tokens":-1})"},
+            {"a session's reasoning", copilot,
+             R"({"type":"session.shutdown","data":{"modelMetrics":{"m":{"usage":
+                 {"outputTokens":9223372036854775807,"reasoningTokens":1}}}}})"},
+        });
+    }
+    void overflowEndsTheProgram()
+    {
+        const auto row = test::currentRow<OverflowRow>();
+        const test::TemporaryHome home;
+        home.write(row.file, datedNow(row.lines).replace("\n                 ", ""));
+        const Outcome outcome = run({QStringLiteral("report")}, home);
+        QCOMPARE(outcome.status, 70);
+        QCOMPARE(outcome.output, QByteArray());
+        QCOMPARE(outcome.errors, QByteArray("tallyglass: a token count exceeds 64 bits\n"));
+    }
+};
+
+QTEST_GUILESS_MAIN(ProgramTest)
+#include "ProgramTest.moc"

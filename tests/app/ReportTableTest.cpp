@@ -1,0 +1,105 @@
+#include "app/ReportTable.h"
+
+#include "support/Texts.h"
+
+#include <QTest>
+#include <QTimeZone>
+
+using namespace tallyglass;
+using namespace std::chrono_literals;
+
+namespace {
+
+const Instant now = test::at("2026-02-12T09:10:00Z");
+
+WindowUsageSummary fiveHours()
+{
+    WindowUsageSummary window =
+        UsageSnapshot::empty(now, QTimeZone::utc()).summary({}, now, QTimeZone::utc());
+    window.providers[0] = {.provider = UsageProvider::Codex,
+                           .tokens = {.inputTokens = 1'234'567},
+                           .eventCount = 12,
+                           .rateLimit = RateLimitUsage{.usedPercent = 0.641,
+                                                       .resetDate = now + 107min,
+                                                       .windowMinutes = 300,
+                                                       .planType = QStringLiteral("plus")}};
+    window.providers[1] = {.provider = UsageProvider::Claude,
+                           .tokens = {.outputTokens = 50'000},
+                           .eventCount = 3,
+                           .budgetTokens = 1'000'000,
+                           .models = {{QStringLiteral("opus"), {.inputTokens = 25'000}, 1},
+                                      {QStringLiteral("漢字"), {.inputTokens = 20'000}, 1},
+                                      {QStringLiteral("sonnet"), {.inputTokens = 3'000}, 1},
+                                      {QStringLiteral("haiku"), {.inputTokens = 2'000}, 1}}};
+    return window;
+}
+
+QString tableOf(const WindowUsageSummary &window, const TableStyle &style)
+{
+    return reportTable(std::span(&window, 1), now, style);
+}
+
+/// Columns in a terminal, of the characters that occur here.
+int columns(const QString &line)
+{
+    return static_cast<int>(std::ranges::count_if(line, [](QChar c) { return c >= u'あ'; })
+                            + line.size());
+}
+
+} // namespace
+
+class ReportTableTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void columnsStandBelowEachOther()
+    {
+        // Japanese characters take two columns each.
+        const auto expected = QStringLiteral(
+            "                  使用量  合計  上限     リセットまで   イベント  トップモデル\n"
+            "5h\n"
+            "  Codex              65%  1.2M  5h Plus  あと1時間47分        12  モデル情報なし\n"
+            "  Claude Code        ~5%   50K  --       --                    3  "
+            "opus 25K, 漢字 20K, sonnet 3K, +1\n"
+            "  GitHub Copilot      --     0  --       --                    0\n");
+        QCOMPARE(tableOf(fiveHours(), {}), expected);
+    }
+
+    void cutToTheTerminal()
+    {
+        for (int width = 1; width <= 120; ++width) {
+            const QString table = tableOf(fiveHours(), {.width = width});
+            for (const QString &line : table.split(u'\n')) {
+                QVERIFY2(columns(line) <= std::max(width, 2), qPrintable(line));
+                QVERIFY2(line.count(u'…') <= 1, qPrintable(line));
+            }
+        }
+        QVERIFY(tableOf(fiveHours(), {.width = 33}).contains(QStringLiteral("65%  1.2M  …\n")));
+    }
+
+    void namesCannotSteerTheTerminal()
+    {
+        WindowUsageSummary window = fiveHours();
+        window.providers[0].models = {{QStringLiteral("a\x1b[31mb\u009bc\u202Ed\ne\u0007"), {}, 1}};
+        window.providers[0].rateLimit->planType = QStringLiteral("x\x1b]0;y\u0007");
+        const QString table = tableOf(window, {});
+        for (const QChar character : table) {
+            QVERIFY(character == u'\n'
+                    || (character.category() != QChar::Other_Control
+                        && character.category() != QChar::Other_Format));
+        }
+        QCOMPARE(table.count(u'\n'), tableOf(fiveHours(), {}).count(u'\n'));
+    }
+
+    void coloursTakeNoColumns()
+    {
+        QString table = tableOf(fiveHours(), {.hasColours = true});
+        QVERIFY(table.contains(QStringLiteral("\x1b[33m")));
+        QCOMPARE(table.remove(QRegularExpression(QStringLiteral("\x1b\\[\\d+m"))),
+                 tableOf(fiveHours(), {}));
+    }
+};
+
+QTEST_GUILESS_MAIN(ReportTableTest)
+#include "ReportTableTest.moc"
