@@ -1,6 +1,6 @@
 #include "model/IsoDateTime.h"
 
-#include <cmath>
+#include <algorithm>
 
 namespace tallyglass {
 
@@ -134,7 +134,7 @@ std::optional<Instant> parseIsoDateTime(std::string_view text)
     const auto offset = scanZoneOffset(scanner);
     if (!scanner.ok() || !date || !time || !offset)
         return std::nullopt;
-    return Instant{date->time_since_epoch() + *time + fraction - *offset};
+    return std::min(Instant{date->time_since_epoch() + *time + fraction - *offset}, latestInstant);
 }
 
 std::optional<LocalTime> parseLocalDateTime(std::string_view text)

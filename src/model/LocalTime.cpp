@@ -97,31 +97,4 @@ Instant firstInstantFrom(LocalTime time, const QTimeZone &zone)
     return reach(time, zone).instant;
 }
 
-LocalHour localHourAround(Instant now, const QTimeZone &zone)
-{
-    const seconds offset = offsetAt(now, zone);
-    const LocalTime hour = floor<hours>(shifted(now, offset));
-    LocalHour around{.start = unshifted(hour, offset), .end = unshifted(hour + 1h, offset)};
-
-    // A change within the hour begins or ends it, unless the clock shows the same hour on both
-    // sides without striking it again: a change by half an hour.
-    const auto lastChange = zone.previousTransition(toDateTime(now + 1ms));
-    if (lastChange.atUtc.isValid() && toInstant(lastChange.atUtc) > around.start) {
-        const Instant change = toInstant(lastChange.atUtc);
-        const seconds offsetBefore = offsetAt(change - 1ms, zone);
-        const LocalTime shownBefore = shifted(change, offsetBefore);
-        around.start =
-            shownBefore > hour && shownBefore <= hour + 1h ? unshifted(hour, offsetBefore) : change;
-    }
-    const auto nextChange = zone.nextTransition(toDateTime(now));
-    if (nextChange.atUtc.isValid() && toInstant(nextChange.atUtc) <= around.end) {
-        const Instant change = toInstant(nextChange.atUtc);
-        const seconds offsetAfter{nextChange.offsetFromUtc};
-        const LocalTime shownAfter = shifted(change, offsetAfter);
-        around.end = shownAfter > hour && shownAfter < hour + 1h ? unshifted(hour + 1h, offsetAfter)
-                                                                 : change;
-    }
-    return around;
-}
-
 } // namespace tallyglass

@@ -20,13 +20,4 @@ std::optional<Instant> instantShowing(LocalTime time, const QTimeZone &zone);
 /// The first instant at which a clock in \a zone showed \a time, or had jumped over it.
 Instant firstInstantFrom(LocalTime time, const QTimeZone &zone);
 
-/// The whole hour of a local clock around an instant: from the instant at which the clock struck
-/// it, or was changed into it, until it strikes the next one or is changed to another.
-struct LocalHour
-{
-    Instant start;
-    Instant end;
-};
-LocalHour localHourAround(Instant now, const QTimeZone &zone);
-
 } // namespace tallyglass

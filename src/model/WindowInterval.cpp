@@ -12,13 +12,16 @@ using namespace std::chrono;
 
 WindowInterval interval(UsageWindowKind kind, Instant now, const QTimeZone &zone)
 {
-    const auto today = floor<days>(toLocalTime(now, zone));
+    const LocalTime local = toLocalTime(now, zone);
+    const auto today = floor<days>(local);
     switch (kind) {
     case UsageWindowKind::FiveHours:
         return {.start = now - 5h, .end = now};
     case UsageWindowKind::Hour: {
-        const LocalHour hour = localHourAround(now, zone);
-        return {.start = hour.start, .end = hour.end};
+        // Counted by the offset of this moment, so that it is an hour long across every clock
+        // change.
+        const Instant start = now - (local - floor<hours>(local));
+        return {.start = start, .end = start + 1h};
     }
     case UsageWindowKind::Day:
         return {.start = firstInstantFrom(LocalTime{today}, zone),

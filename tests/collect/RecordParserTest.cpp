@@ -67,6 +67,7 @@ private Q_SLOTS:
                  "cache_creation_input_tokens":16,"cache_creation_tokens":32,
                  "cache_read_input_tokens":64,"cache_read_tokens":128})",
              "claude 3/12/48/192"},
+            {"a member without a name", R"({"":1,"input_tokens":5})", "claude 5/0/0/0"},
             {"zeros are no use", R"({"usage":{"input_tokens":0,"output_tokens":0}})", ""},
             {"a total alone is use", R"({"usage":{"input_tokens":0,"total_tokens":7}})",
              "claude 0/0/0/0=7"},
