@@ -6,6 +6,11 @@ set(CMAKE_CXX_SCAN_FOR_MODULES OFF)
 set(CMAKE_AUTOMOC ON)
 option(TALLYGLASS_WERROR "Treat warnings as errors" OFF)
 set(TALLYGLASS_SITE "https://tallyglass.example" CACHE STRING "Where new versions are offered")
+set(TALLYGLASS_FEED_URL "" CACHE STRING "Where the update feed is; without one nothing is looked for")
+set(TALLYGLASS_PUBLIC_KEY "" CACHE STRING "The key that updates are signed with")
+set(TALLYGLASS_BUNDLE_ID "" CACHE STRING "The application's identifier, as in com.example.Tallyglass")
+set(TALLYGLASS_BUILD "" CACHE STRING "The number of this build, which grows with every release")
+set(TALLYGLASS_CLAUDE_API "https://api.anthropic.com" CACHE STRING "The host that is asked for Claude's limits")
 
 set(TG_WARNINGS
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
