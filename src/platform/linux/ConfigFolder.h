@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QString>
+
+namespace tallyglass {
+
+/// Where the user's programs keep their settings: $XDG_CONFIG_HOME when that is a full path, as the
+/// desktop's rules demand, else ".config" in the home folder.
+QString configFolder(const QString &homeFolder);
+
+/// Makes a folder, and those above it that are missing, for the user alone. When it fails, errno
+/// says why.
+bool makePrivateFolder(const QString &path);
+
+} // namespace tallyglass
