@@ -75,12 +75,18 @@ bool isUtf8Plainly(std::string_view text)
     return true;
 }
 
+struct UsageLine
+{
+    std::string_view text;
+    UsageProvider provider;
+};
+
 /// The transcripts and rollouts of a small home.
 struct Logs
 {
     std::string padded; ///< the text, and zeros that may be read beyond it
     std::string_view text;
-    std::vector<std::string_view> usageLines;
+    std::vector<UsageLine> usageLines;
     std::vector<WrittenEvent> events;
 };
 
@@ -110,7 +116,9 @@ Logs makeLogs()
         const std::string_view line = logs.text.substr(start, end - start);
         for (std::size_t at = 0; at < line.size(); ++at) {
             if (isMarkerPlainly(line, at)) {
-                logs.usageLines.push_back(line);
+                const bool isRollout = line.find(R"("payload")") != std::string_view::npos;
+                logs.usageLines.push_back(
+                    {line, isRollout ? UsageProvider::Codex : UsageProvider::Claude});
                 break;
             }
         }
@@ -133,7 +141,8 @@ void countBytes(benchmark::State &state, std::size_t bytes)
 std::size_t usageLineBytes()
 {
     return std::transform_reduce(logs().usageLines.begin(), logs().usageLines.end(), std::size_t{0},
-                                 std::plus<>(), [](std::string_view line) { return line.size(); });
+                                 std::plus<>(),
+                                 [](const UsageLine &line) { return line.text.size(); });
 }
 
 void scan(benchmark::State &state)
@@ -179,7 +188,7 @@ BENCHMARK(checkUtf8)->Unit(benchmark::kMicrosecond);
 void parse(benchmark::State &state)
 {
     JsonReader reader;
-    for (const std::string_view line : logs().usageLines) {
+    for (const auto &[line, provider] : logs().usageLines) {
         const auto parsed = reader.parse(line);
         require(parsed.has_value(), "a line of usage is read");
         // Half of an emoji is read as U+FFFD. The generator leaves such a half at a text's end.
@@ -192,8 +201,8 @@ void parse(benchmark::State &state)
     }
 
     for (auto _ : state) {
-        for (const std::string_view line : logs().usageLines)
-            benchmark::DoNotOptimize(reader.parse(line));
+        for (const UsageLine &line : logs().usageLines)
+            benchmark::DoNotOptimize(reader.parse(line.text));
     }
     countBytes(state, usageLineBytes());
     state.counters["lines"] = static_cast<double>(logs().usageLines.size());
@@ -209,14 +218,9 @@ void parseAndWalk(benchmark::State &state)
     std::vector<UsageEvent> events;
     const auto walkAll = [&] {
         events.clear();
-        for (const std::string_view line : logs().usageLines) {
-            const bool isCodex = line.find(R"("payload")") != std::string_view::npos;
-            const LogOrigin origin{.provider =
-                                       isCodex ? UsageProvider::Codex : UsageProvider::Claude,
-                                   .fileDate = now,
-                                   .source = {},
-                                   .zone = zone,
-                                   .names = names};
+        for (const auto &[line, provider] : logs().usageLines) {
+            const LogOrigin origin{
+                .provider = provider, .fileDate = now, .source = {}, .zone = zone, .names = names};
             parseRecord(*reader.parse(line), origin, events);
         }
     };

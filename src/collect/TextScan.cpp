@@ -63,15 +63,26 @@ bool isMarker(const char *text, std::size_t at, std::size_t size)
     return at >= 4 && std::string_view(text + at - 4, size - at + 4).starts_with("rate_limit");
 }
 
-[[gnu::always_inline]] inline std::size_t findIn(const char *text, std::size_t from,
-                                                 std::size_t size)
+/// The first step, at or after \a step, in which a marker may begin. Calls nothing, so that the
+/// characters to compare with stay in registers: 9.5 -> 10.4 GB/s, bench/micro scan.
+[[gnu::always_inline]] inline std::size_t possibleStep(const char *text, std::size_t step,
+                                                       std::size_t size)
 {
-    for (std::size_t step = from; step < size; step += stepSize) {
+    for (; step < size; step += stepSize) {
         Block possible = possibleMarkers(text + step);
         for (std::size_t block = 1; block < blocksPerStep; ++block)
             possible |= possibleMarkers(text + step + block * sizeof(Block));
-        if (!anySet(possible))
-            continue;
+        if (anySet(possible))
+            break;
+    }
+    return step;
+}
+
+[[gnu::always_inline]] inline std::size_t findIn(const char *text, std::size_t from,
+                                                 std::size_t size)
+{
+    for (std::size_t step = possibleStep(text, from, size); step < size;
+         step = possibleStep(text, step + stepSize, size)) {
         const std::size_t end = std::min(step + stepSize, size);
         for (std::size_t at = step; at < end; ++at) {
             const char first = text[at];
