@@ -1,0 +1,42 @@
+#pragma once
+
+#include "model/Instant.h"
+#include "platform/Clock.h"
+#include "platform/Host.h"
+#include "platform/HttpClient.h"
+#include "update/AppUpdateInfo.h"
+
+#include <QCoroTask>
+
+#include <optional>
+
+namespace tallyglass {
+
+/// Asks the update feed for a newer version, at most every six hours.
+///
+/// No error leaves this class: whatever goes wrong, the previous answer stays. It must outlive the
+/// calls that wait in it, as must what it is made from.
+class AppUpdateChecker
+{
+public:
+    static constexpr std::chrono::seconds checkInterval{21'600};
+
+    AppUpdateChecker(Clock &clock, HttpClient &http, const Host &host);
+
+    /// What is newer than the running version; nothing when that is the newest, or before the feed
+    /// has once been read.
+    QCoro::Task<std::optional<AppUpdateInfo>> checkForUpdate();
+
+private:
+    bool isThrottled(Instant now) const;
+    std::optional<AppUpdateInfo> cached() const;
+
+    Clock &m_clock;
+    HttpClient &m_http;
+    const Host &m_host;
+
+    std::optional<AppUpdateInfo> m_cached;
+    Instant m_throttleUntil = Instant::min();
+};
+
+} // namespace tallyglass

@@ -1,0 +1,232 @@
+#include "update/AppUpdateChecker.h"
+
+#include "support/FakeClock.h"
+#include "support/FakeHttp.h"
+#include "support/Table.h"
+#include "support/TestData.h"
+
+using namespace tallyglass;
+using namespace std::chrono_literals;
+
+namespace {
+
+using Answer = std::optional<AppUpdateInfo>;
+
+struct OfferRow
+{
+    const char *name;
+    const char *feed; ///< a file
+    const char *shortVersion; ///< of the running program
+    const char *buildVersion;
+    Answer answer;
+};
+
+struct FailureRow
+{
+    const char *name;
+    HttpReply reply;
+};
+
+struct AddressRow
+{
+    const char *name;
+    const char *feedUrl;
+    std::size_t requests;
+};
+
+/// Answers like its base, a second later.
+class SlowHttp final : public HttpClient
+{
+public:
+    SlowHttp(HttpClient &http, Clock &clock)
+        : m_http(http)
+        , m_clock(clock)
+    {
+    }
+
+    QCoro::Task<HttpReply> get(HttpRequest request) override
+    {
+        co_await m_clock.sleepFor(1s);
+        co_return co_await m_http.get(std::move(request));
+    }
+
+private:
+    HttpClient &m_http;
+    Clock &m_clock;
+};
+
+const QString feedUrl = QStringLiteral("https://lantern.example/appcast.xml");
+
+const AppUpdateInfo lantern1210{
+    .version = QStringLiteral("1.2.10"),
+    .build = QStringLiteral("130"),
+    .appcastURL = QUrl(QStringLiteral("https://lantern.example/Lantern-1.2.10.zip")),
+    .releaseNotes = QStringLiteral("What's new\n• Brighter & warmer light\n• No more flicker\n"
+                                   "Thanks to our testers!"),
+    .releaseNotesURL = QUrl(QStringLiteral("https://lantern.example/notes/1.2.10.html")),
+};
+const AppUpdateInfo lantern20{
+    .version = QStringLiteral("2.0"),
+    .build = QStringLiteral("200"),
+    .appcastURL = QUrl(QStringLiteral("https://lantern.example/Lantern-2.0.zip")),
+};
+const AppUpdateInfo titleOnly{.version = QStringLiteral("2.0"), .appcastURL = QUrl(feedUrl)};
+const AppUpdateInfo unsafe{
+    .version = QStringLiteral("9.0"),
+    .build = QStringLiteral("900"),
+    .appcastURL = QUrl(feedUrl),
+};
+
+/// A checker of Lantern 1.2.9, build 129, and what it is told of the world.
+struct Fixture
+{
+    Answer check() { return QCoro::waitFor(checker.checkForUpdate()); }
+    /// Lets the feed answer with a file of tests/data/.
+    void publish(const char *feed) { http.replies.push_back({200, test::testData(feed)}); }
+
+    Host host{.shortVersion = QStringLiteral("1.2.9"),
+              .buildVersion = QStringLiteral("129"),
+              .feedUrl = feedUrl};
+    test::FakeClock clock;
+    test::FakeHttp http;
+    AppUpdateChecker checker{clock, http, host};
+};
+
+} // namespace
+
+class AppUpdateCheckerTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void offers_data()
+    {
+        const auto *const middle = "feed-newest-in-the-middle.xml";
+        test::table<OfferRow>({
+            {"the newest of the feed", middle, "1.2.9", "129", lantern1210},
+            {"the download, not a patch", "feed-deltas.xml", "1.2.9", "129", lantern20},
+            {"no address but the feed's", "feed-titles-only.xml", "1.2.9", "129", titleOnly},
+            {"no unsafe links", "feed-unsafe-links.xml", "1.2.9", "129", unsafe},
+            {"same build, older version", middle, "1.2.8", "130", std::nullopt},
+            {"older build, newer version", middle, "1.3", "99", lantern1210},
+            {"build unknown, older version", middle, "1.2.9", "", lantern1210},
+            {"build unknown, same version", middle, "1.2.10", "", std::nullopt},
+            {"no build in the feed", "feed-titles-only.xml", "2.0", "1", std::nullopt},
+        });
+    }
+    void offers()
+    {
+        const auto row = test::currentRow<OfferRow>();
+        Fixture lantern;
+        lantern.host.shortVersion = QString::fromUtf8(row.shortVersion);
+        lantern.host.buildVersion = QString::fromUtf8(row.buildVersion);
+        lantern.publish(row.feed);
+        QVERIFY(lantern.check() == row.answer);
+    }
+
+    void aFailureKeepsTheAnswer_data()
+    {
+        const QByteArray newer = test::testData("feed-deltas.xml");
+        test::table<FailureRow>({
+            {"no network", {}},
+            {"not found", {404, newer}},
+            {"no content", {204, newer}},
+            {"server in trouble", {500, newer}},
+            {"a redirect that leads nowhere", {302, newer}},
+            {"empty", {200, {}}},
+            {"torn", {200, test::testData("feed-torn.xml")}},
+            {"document type", {200, test::testData("feed-document-type.xml")}},
+            {"no items", {200, "<rss/>"}},
+        });
+    }
+    void aFailureKeepsTheAnswer()
+    {
+        Fixture lantern;
+        lantern.publish("feed-newest-in-the-middle.xml");
+        QCOMPARE(lantern.check().value(), lantern1210);
+
+        lantern.clock.advance(6h);
+        lantern.http.replies.push_back(test::currentRow<FailureRow>().reply);
+        QCOMPARE(lantern.check().value(), lantern1210);
+        QCOMPARE(lantern.http.requests.size(), 2U);
+        // Six hours go by after a failure as well.
+        lantern.clock.advance(6h - 1s);
+        QCOMPARE(lantern.check().value(), lantern1210);
+        QCOMPARE(lantern.http.requests.size(), 2U);
+    }
+
+    void whatIsNoLongerNewerIsForgotten()
+    {
+        Fixture lantern;
+        lantern.publish("feed-newest-in-the-middle.xml");
+        QVERIFY(lantern.check());
+        lantern.host.buildVersion = QStringLiteral("130");
+        lantern.clock.advance(6h);
+        lantern.publish("feed-newest-in-the-middle.xml");
+        QVERIFY(!lantern.check());
+        QVERIFY(!lantern.check());
+    }
+
+    void asksOnceInSixHours()
+    {
+        Fixture lantern;
+        lantern.publish("feed-newest-in-the-middle.xml");
+        QCOMPARE(lantern.check(), Answer(lantern1210));
+        const HttpRequest request{.url = QUrl(feedUrl), .followsRedirects = true};
+        QCOMPARE(lantern.http.requests, std::vector{request});
+
+        lantern.clock.advance(6h - 1ms);
+        QCOMPARE(lantern.check(), Answer(lantern1210));
+        QCOMPARE(lantern.http.requests.size(), 1U);
+        lantern.clock.advance(1ms);
+        lantern.check();
+        QCOMPARE(lantern.http.requests.size(), 2U);
+    }
+
+    void aClockSetBackDoesNotHoldItUp()
+    {
+        Fixture lantern;
+        lantern.check();
+        lantern.clock.advance(-1ms);
+        lantern.check();
+        QCOMPARE(lantern.http.requests.size(), 2U);
+    }
+
+    void whoComesMeanwhileGetsThePreviousAnswer()
+    {
+        Fixture lantern;
+        lantern.publish("feed-newest-in-the-middle.xml");
+        SlowHttp slow(lantern.http, lantern.clock);
+        AppUpdateChecker checker(lantern.clock, slow, lantern.host);
+
+        auto first = checker.checkForUpdate();
+        auto second = checker.checkForUpdate();
+        QVERIFY(!first.isReady());
+        QVERIFY(second.isReady());
+        lantern.clock.advance(1s);
+        QCOMPARE(QCoro::waitFor(std::move(first)), Answer(lantern1210));
+        QCOMPARE(QCoro::waitFor(std::move(second)), std::nullopt);
+        QCOMPARE(lantern.http.requests.size(), 1U);
+    }
+
+    void asksAWebAddressOnly_data()
+    {
+        test::table<AddressRow>({
+            {"none", "", 0},
+            {"not expanded", "$(SU_FEED_URL)", 0},
+            {"a file", "file:///tmp/appcast.xml", 0},
+            {"plain http", "http://127.0.0.1:8080/appcast.xml", 1},
+        });
+    }
+    void asksAWebAddressOnly()
+    {
+        const auto row = test::currentRow<AddressRow>();
+        Fixture lantern;
+        lantern.host.feedUrl = QString::fromUtf8(row.feedUrl);
+        QVERIFY(!lantern.check());
+        QCOMPARE(lantern.http.requests.size(), row.requests);
+    }
+};
+
+QTEST_GUILESS_MAIN(AppUpdateCheckerTest)
+#include "AppUpdateCheckerTest.moc"
