@@ -29,6 +29,8 @@ public:
         co_await sleep;
     }
 
+    std::size_t sleepers() const { return m_sleepers.size(); }
+
     /// Below 0 the clock is set back; nobody wakes then.
     void advance(std::chrono::milliseconds duration)
     {
