@@ -36,7 +36,7 @@ Command parseCommandLine(const QStringList &words)
         return command::Misuse{displayText("command.jsonIsWhole")};
     if (isReport)
         return report;
-    return command::Help{};
+    return command::Start{.inDemoHome = report.inDemoHome};
 }
 
 } // namespace tallyglass

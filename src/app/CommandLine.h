@@ -19,6 +19,13 @@ struct Version
 {
     bool operator==(const Version &) const = default;
 };
+/// The application itself, in the background.
+struct Start
+{
+    bool inDemoHome = false;
+
+    bool operator==(const Start &) const = default;
+};
 struct Report
 {
     std::optional<UsageWindowKind> window; ///< absent: all of them
@@ -36,7 +43,8 @@ struct Misuse
 
 } // namespace command
 
-using Command = std::variant<command::Help, command::Version, command::Report, command::Misuse>;
+using Command =
+    std::variant<command::Help, command::Version, command::Start, command::Report, command::Misuse>;
 
 /// Reads the words after the program's name.
 Command parseCommandLine(const QStringList &words);

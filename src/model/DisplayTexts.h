@@ -137,11 +137,12 @@ inline constexpr std::array displayTexts{
     DisplayText{"command.unknownWindow.format",
                 "不明な期間「%@」（fiveHours、hour、day、week、monthのいずれか）"},
     DisplayText{"command.jsonIsWhole", "--jsonは全期間を出力するため、--windowと併用できません"},
-    DisplayText{"command.help", R"(使い方: tallyglass report [オプション]
+    DisplayText{"command.help", R"(使い方: tallyglass [コマンド] [オプション]
 
 AIコーディングCLI（Claude Code、Codex CLI、GitHub Copilot CLI）の使用量を表示します。
 
 コマンド:
+  （なし）           バックグラウンドで動作し、5分ごとに集計します
   report             ログを一度集計して表で表示します。ネットワークには接続せず、ファイルも書きません
     --window 期間    fiveHours、hour、day、week、monthのいずれかだけを表示します
     --json           usage_snapshot.jsonと同じJSONを出力します
