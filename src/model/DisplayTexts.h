@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace tallyglass {
@@ -163,9 +164,24 @@ public:
     {
     }
 
+    /// For the QML files, whose keys no compiler reads.
+    static std::optional<TextKey> find(std::string_view key)
+    {
+        for (std::size_t i = 0; i < displayTexts.size(); ++i) {
+            if (displayTexts[i].key == key)
+                return TextKey(i);
+        }
+        return std::nullopt;
+    }
+
     constexpr const DisplayText &text() const { return displayTexts[m_index]; }
 
 private:
+    explicit TextKey(std::size_t index)
+        : m_index(index)
+    {
+    }
+
     static consteval std::size_t indexOf(std::string_view key)
     {
         for (std::size_t i = 0; i < displayTexts.size(); ++i) {

@@ -1,0 +1,55 @@
+#include "ui/ProviderRow.h"
+
+#include "model/DisplayTexts.h"
+#include "model/Formatting.h"
+#include "ui/ProviderColors.h"
+
+#include <algorithm>
+
+namespace tallyglass {
+
+namespace {
+
+const QString noFigure = QStringLiteral("--");
+
+/// The length that a limit is taken to have when it states none.
+constexpr std::int64_t usualWindowMinutes = 300;
+
+double passedShare(const RateLimitUsage &limit, Instant now)
+{
+    if (!limit.resetDate)
+        return 0;
+    const std::int64_t stated = limit.windowMinutes.value_or(0);
+    const auto minutes = static_cast<double>(stated < 1 ? usualWindowMinutes : stated);
+    const std::chrono::duration<double, std::ratio<60>> left = *limit.resetDate - now;
+    return 1 - std::clamp(left.count() / minutes, 0.0, 1.0);
+}
+
+QString limitText(const RateLimitUsage &limit, Instant now)
+{
+    const QString label = limit.windowLabel() + u' ';
+    if (limit.isPercentKnown())
+        return label + formatPercent(limit.usedPercent);
+    return label + (limit.resetDate ? formatResetCountdown(*limit.resetDate, now) : noFigure);
+}
+
+} // namespace
+
+ProviderRow providerRow(const ProviderUsageSummary &summary, Instant now)
+{
+    const auto &limit = summary.rateLimit;
+    ProviderRow row;
+    row.provider = rawValue(summary.provider);
+    row.name = displayName(summary.provider);
+    row.tint = providerColor(summary.provider);
+    row.usedShare = std::clamp(summary.percent(), 0.0, 1.0);
+    row.usedText = summary.percentText();
+    row.resetShare = limit ? passedShare(*limit, now) : 0;
+    row.resetText =
+        limit && limit->resetDate ? formatCompactCountdown(*limit->resetDate, now) : noFigure;
+    row.tokensText = formatTokenCount(std::max<std::int64_t>(summary.tokens.totalTokens(), 0));
+    row.limitText = limit ? limitText(*limit, now) : displayText("common.noData");
+    return row;
+}
+
+} // namespace tallyglass
