@@ -71,49 +71,60 @@ inline constexpr std::array<FieldKey, 6> windowNameKeys{
 
 namespace detail {
 
-/// The table's indexes by the length of their names: a key is compared with one or two names.
-struct NamesByLength
+/// The table's places by a hash of the names that no two of them share, so that a key is compared
+/// with one name at most.
+class PlacesByHash
 {
-    static constexpr std::size_t longest = 27;
+public:
+    static constexpr std::uint8_t nothing = 0xff;
+    static constexpr std::size_t shortest = 4; ///< so many characters are hashed at either end
 
-    std::array<std::uint8_t, fieldNames.size()> order{};
-    std::array<std::uint8_t, longest + 2> start{}; ///< start[n] to start[n + 1]: names of length n
-};
-
-consteval NamesByLength sortNamesByLength()
-{
-    NamesByLength names;
-    std::uint8_t next = 0;
-    for (std::size_t length = 0; length <= NamesByLength::longest; ++length) {
-        names.start[length] = next;
+    consteval PlacesByHash()
+    {
+        m_places.fill(nothing);
         for (std::size_t i = 0; i < fieldNames.size(); ++i) {
-            if (fieldNames[i].size() == length)
-                names.order[next++] = static_cast<std::uint8_t>(i);
+            std::uint8_t &place = m_places[hash(fieldNames[i])];
+            if (fieldNames[i].size() < shortest || place != nothing)
+                throw "choose another multiplier"; // Reached while compiling only.
+            place = static_cast<std::uint8_t>(i);
         }
     }
-    names.start[NamesByLength::longest + 1] = next;
-    return names;
-}
 
-inline constexpr NamesByLength namesByLength = sortNamesByLength();
-static_assert(namesByLength.start.back() == fieldNames.size(), "a name is longer than longest");
-static_assert(namesByLength.start[1] == 0, "no name is empty");
+    /// Where \a name stands if it stands anywhere. It must not be shorter than the shortest.
+    constexpr std::uint8_t find(std::string_view name) const { return m_places[hash(name)]; }
+
+private:
+    static constexpr std::uint32_t fourCharacters(const char *at)
+    {
+        std::uint32_t value = 0;
+        for (int i = 3; i >= 0; --i)
+            value = value << 8 | static_cast<std::uint8_t>(at[i]);
+        return value;
+    }
+
+    static constexpr std::size_t hash(std::string_view name)
+    {
+        // Found by trying at random.
+        constexpr std::uint32_t multiplier = 0xd01ad8d3;
+        const auto size = static_cast<std::uint32_t>(name.size());
+        const std::uint32_t last = fourCharacters(name.data() + name.size() - shortest) ^ size;
+        return (fourCharacters(name.data()) + last) * multiplier >> 24;
+    }
+
+    std::array<std::uint8_t, 256> m_places{};
+};
+
+inline constexpr PlacesByHash placesByHash;
 
 } // namespace detail
 
 constexpr std::optional<std::size_t> FieldKey::find(std::string_view name)
 {
-    if (name.size() > detail::NamesByLength::longest)
+    if (name.size() < detail::PlacesByHash::shortest)
         return std::nullopt;
-    const auto &names = detail::namesByLength;
-    for (std::size_t i = names.start[name.size()]; i < names.start[name.size() + 1]; ++i) {
-        // Most names differ in the first character; a call to compare the rest costs ten times
-        // more.
-        const std::string_view candidate = fieldNames[names.order[i]];
-        if (candidate.front() == name.front() && candidate == name)
-            return names.order[i];
-    }
-    return std::nullopt;
+    const std::uint8_t place = detail::placesByHash.find(name);
+    const bool isKnown = place != detail::PlacesByHash::nothing && fieldNames[place] == name;
+    return isKnown ? std::optional<std::size_t>{place} : std::nullopt;
 }
 
 } // namespace tallyglass

@@ -16,7 +16,7 @@ namespace tallyglass {
 namespace {
 
 /// Stays in the second-level cache from the copy out of the kernel to the scan of what was copied.
-constexpr std::size_t bufferSize = 262'144; // bytes
+constexpr std::size_t bufferSize = 131'072; // bytes
 constexpr std::size_t padding = std::max(scanPadding, std::size_t{simdjson::SIMDJSON_PADDING});
 
 /// An open regular file, or nothing.

@@ -19,6 +19,8 @@ class ObjectFields
 public:
     explicit ObjectFields(simdjson::dom::object object);
 
+    bool isEmpty() const { return m_count == 0; }
+
     /// The member's value, null when the object has none.
     const simdjson::dom::element *find(FieldKey key) const
     {

@@ -104,6 +104,8 @@ private:
     [[gnu::noinline]] bool takeObject(simdjson::dom::object object, Inherited &context)
     {
         const ObjectFields fields(object);
+        if (fields.isEmpty())
+            return true;
         if (const auto date = timestamp(fields, m_origin.zone))
             context.date = *date;
         if (const auto model = modelName(fields))
