@@ -18,6 +18,8 @@ struct DisplayText
 /// Every text that a user can see. Keys that end in ".format", and a few older ones, hold
 /// placeholders for formatText().
 inline constexpr std::array displayTexts{
+    DisplayText{"app.name", "Tallyglass"},
+
     DisplayText{"provider.codex", "Codex"},
     DisplayText{"provider.claude", "Claude Code"},
     DisplayText{"provider.claude.short", "Claude"},

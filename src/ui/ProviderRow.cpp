@@ -48,6 +48,13 @@ ProviderRow providerRow(const ProviderUsageSummary &summary, Instant now)
     row.resetText =
         limit && limit->resetDate ? formatCompactCountdown(*limit->resetDate, now) : noFigure;
     row.tokensText = formatTokenCount(std::max<std::int64_t>(summary.tokens.totalTokens(), 0));
+    if (limit && limit->isPercentKnown())
+        row.remainingText = formatText("status.remaining.format",
+                                       {formatPercent(std::max(1 - limit->usedPercent, 0.0))});
+    row.inputText =
+        formatText("status.input.format", {formatTokenCount(summary.tokens.inputTokens)});
+    row.outputText =
+        formatText("status.output.format", {formatTokenCount(summary.tokens.outputTokens)});
     row.limitText = limit ? limitText(*limit, now) : displayText("common.noData");
     return row;
 }

@@ -25,6 +25,9 @@ struct ProviderRow
     Q_PROPERTY(QString resetText MEMBER resetText CONSTANT)
     Q_PROPERTY(QString tokensText MEMBER tokensText CONSTANT)
     Q_PROPERTY(QString limitText MEMBER limitText CONSTANT)
+    Q_PROPERTY(QString remainingText MEMBER remainingText CONSTANT)
+    Q_PROPERTY(QString inputText MEMBER inputText CONSTANT)
+    Q_PROPERTY(QString outputText MEMBER outputText CONSTANT)
 
 public:
     QString provider; ///< its raw value, which names the logo
@@ -36,6 +39,9 @@ public:
     QString resetText; ///< "2h", "--"
     QString tokensText;
     QString limitText; ///< "5h 42%", "5h あと2時間10分", "データなし"
+    QString remainingText; ///< "残り 58%"; empty where no share is reported
+    QString inputText; ///< "入力 1.2M"
+    QString outputText;
 
     bool operator==(const ProviderRow &) const = default;
 };
