@@ -3,6 +3,7 @@
 #include "model/Formatting.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace tallyglass {
 
@@ -25,8 +26,10 @@ QList<ModelRow> topModels(const WindowUsageSummary &window)
         for (const ModelUsageSummary &model : provider.models)
             candidates.push_back({provider.provider, &model});
     }
-    std::ranges::stable_sort(candidates, std::ranges::greater{},
-                             [](const Candidate &c) { return c.model->tokens.totalTokens(); });
+    std::ranges::sort(candidates, {}, [](const Candidate &candidate) {
+        return std::tuple(-candidate.model->tokens.totalTokens(), candidate.model->model,
+                          candidate.provider);
+    });
     candidates.resize(std::min(candidates.size(), shownModels));
 
     QList<ModelRow> rows;

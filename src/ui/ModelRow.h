@@ -26,8 +26,8 @@ public:
     bool operator==(const ModelRow &) const = default;
 };
 
-/// The five models of a window with the most tokens, largest first. A model that two tools have
-/// used has two rows.
+/// The five models of a window with the most tokens, largest first, equal ones by name. A model
+/// that two tools have used has two rows.
 QList<ModelRow> topModels(const WindowUsageSummary &window);
 
 } // namespace tallyglass
