@@ -17,6 +17,7 @@ public:
     TallyglassApp(const TallyglassApp &) = delete;
     TallyglassApp &operator=(const TallyglassApp &) = delete;
 
+    Ports &ports() { return m_ports; }
     UsageModel &model() { return m_model; }
     AppUpdater &updater() { return m_updater; }
 

@@ -1,16 +1,13 @@
 #include "app/CommandLine.h"
-#include "app/DemoHome.h"
-#include "app/QuitSignals.h"
+#include "app/Home.h"
 #include "app/Report.h"
-#include "app/SingleInstance.h"
-#include "app/TallyglassApp.h"
 #include "model/DisplayTexts.h"
 
 #include <QCoreApplication>
-#include <QDir>
+#include <QFile>
 
 #include <cstdio>
-#include <optional>
+#include <unistd.h>
 
 using namespace tallyglass;
 
@@ -41,44 +38,23 @@ int run(const command::Misuse &misuse)
     return misuseStatus;
 }
 
-Instant currentInstant()
-{
-    return std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
-}
-
-/// The home folder that a command works on: the user's, or a made-up one.
-class Home
-{
-public:
-    explicit Home(bool isDemo)
-    {
-        if (isDemo)
-            m_demo.emplace(currentInstant());
-    }
-
-    QString path() const { return m_demo ? m_demo->path() : QDir::homePath(); }
-
-private:
-    std::optional<DemoHome> m_demo;
-};
-
-int run(const command::Start &start)
-{
-    const Home home(start.inDemoHome);
-    SingleInstance instance(home.path());
-    if (!instance.claim())
-        return 0; // The first one was asked to show itself.
-
-    const QuitSignals quitSignals;
-    QObject::connect(&quitSignals, &QuitSignals::received, &QCoreApplication::quit);
-    TallyglassApp application(makePorts(home.path()));
-    return QCoreApplication::exec();
-}
-
 int run(const command::Report &report)
 {
     const Home home(report.inDemoHome);
     return runReport(report, Host{.homeFolder = home.path()}, currentInstant());
+}
+
+/// Becomes the application, a program of its own beside this one: a report must not wait for the
+/// libraries of windows to load. Returns only when that is missing.
+int becomeApplication(int argc, char *argv[])
+{
+    const QCoreApplication self(argc, argv); // knows where it is
+    const QString program =
+        QCoreApplication::applicationDirPath() + QStringLiteral("/tallyglass-app");
+    execv(QFile::encodeName(program).constData(), argv);
+    printLine(stderr,
+              QStringLiteral("tallyglass: ") + formatText("command.noProgram.format", {program}));
+    return 1;
 }
 
 } // namespace
@@ -89,10 +65,12 @@ int main(int argc, char *argv[])
     for (int i = 1; i < argc; ++i)
         words += QString::fromLocal8Bit(argv[i]);
     const Command command = parseCommandLine(words);
-
-    // Only what runs on needs an event loop; a report is over before one would have started.
-    std::optional<QCoreApplication> application;
-    if (std::holds_alternative<command::Start>(command))
-        application.emplace(argc, argv);
-    return std::visit([](const auto &chosen) { return run(chosen); }, command);
+    return std::visit(
+        [&]<typename Chosen>(const Chosen &chosen) {
+            if constexpr (std::is_same_v<Chosen, command::Start>)
+                return becomeApplication(argc, argv);
+            else
+                return run(chosen);
+        },
+        command);
 }

@@ -44,6 +44,7 @@ inline constexpr std::array displayTexts{
     DisplayText{"common.notDetected", "未検出"},
     DisplayText{"common.noData", "データなし"},
 
+    DisplayText{"menu.open", "パネルを開く"},
     DisplayText{"menu.period", "期間"},
     DisplayText{"menu.cliMissing", "CLI未検出: %@"},
     DisplayText{"menu.cliNoticeBody", "設定で検出状態と導入案内を確認できます"},
@@ -139,6 +140,7 @@ inline constexpr std::array displayTexts{
     DisplayText{"command.unknownWord.format", "不明な引数「%@」（使い方: tallyglass --help）"},
     DisplayText{"command.unknownWindow.format",
                 "不明な期間「%@」（fiveHours、hour、day、week、monthのいずれか）"},
+    DisplayText{"command.noProgram.format", "%@がありません"},
     DisplayText{"command.jsonIsWhole", "--jsonは全期間を出力するため、--windowと併用できません"},
     DisplayText{"command.help", R"(使い方: tallyglass [コマンド] [オプション]
 

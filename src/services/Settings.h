@@ -44,4 +44,10 @@ inline double stored(const UserDefaults &defaults, const Setting<double> &settin
     return value > 0 && std::isfinite(value) ? value : setting.fallback;
 }
 
+template<typename Value>
+void store(UserDefaults &defaults, const Setting<Value> &setting, const Value &value)
+{
+    defaults.setValue(QString::fromLatin1(setting.key), value);
+}
+
 } // namespace tallyglass

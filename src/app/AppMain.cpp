@@ -1,0 +1,75 @@
+#include "app/CommandLine.h"
+#include "app/Home.h"
+#include "app/QuitSignals.h"
+#include "app/SingleInstance.h"
+#include "app/TallyglassApp.h"
+#include "ui/MenuBarExtra.h"
+
+#include <QApplication>
+#include <QQuickWindow>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include <array>
+
+Q_IMPORT_QML_PLUGIN(TallyglassPlugin)
+
+using namespace tallyglass;
+
+namespace {
+
+bool isAnySet(std::initializer_list<const char *> variables)
+{
+    return std::ranges::any_of(variables, qEnvironmentVariableIsSet);
+}
+
+/// Without a display the program still counts, writes its files and notifies; windows are then
+/// drawn into memory.
+void choosePlatform()
+{
+    if (!isAnySet({"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+/// Small windows that are seldom drawn: in software they take half of the memory and of the time
+/// to the first picture that OpenGL takes.
+void chooseRenderer()
+{
+    if (!isAnySet({"QT_QUICK_BACKEND", "QSG_RHI_BACKEND", "QSG_RHI"}))
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+}
+
+int start(const command::Start &start)
+{
+    const Home home(start.inDemoHome);
+    SingleInstance instance(home.path());
+    if (!instance.claim())
+        return 0; // The first one was asked to show itself.
+
+    const QuitSignals quitSignals;
+    QObject::connect(&quitSignals, &QuitSignals::received, &QCoreApplication::quit);
+    TallyglassApp application(makePorts(home.path()));
+    MenuBarExtra extra(application.model(), application.updater(), application.ports());
+    QObject::connect(&instance, &SingleInstance::showRequested, &extra, &MenuBarExtra::openPanel);
+    if (start.inDemoHome)
+        extra.openPanel();
+    else if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+        extra.openWithoutTray();
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    choosePlatform();
+    chooseRenderer();
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("Tallyglass"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("tallyglass"));
+    QGuiApplication::setQuitOnLastWindowClosed(false); // it lives in the tray
+
+    const Command command = parseCommandLine(QCoreApplication::arguments().mid(1));
+    if (const auto *chosen = std::get_if<command::Start>(&command))
+        return start(*chosen);
+    return 2; // Commands are read by the program that starts this one.
+}

@@ -1,0 +1,101 @@
+#include "ui/TrayHost.h"
+
+#include "ui/linux/X11.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusVariant>
+
+#include <functional>
+
+namespace tallyglass {
+
+namespace {
+
+constexpr int longestAnswer = 500; // milliseconds
+const auto watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
+const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+/// Whether somebody shows the icons that programs announce over the session bus.
+bool hasNotifierHost()
+{
+    const auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(watcher))
+        return false;
+    auto question = QDBusMessage::createMethodCall(
+        watcher, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"),
+        QStringLiteral("Get"));
+    question << watcher << QStringLiteral("IsStatusNotifierHostRegistered");
+    const QDBusMessage answer = bus.call(question, QDBus::Block, longestAnswer);
+    return answer.type() == QDBusMessage::ReplyMessage
+        && answer.arguments().value(0).value<QDBusVariant>().variant().toBool();
+}
+
+/// Whether a tray of the older kind, which takes in windows, is running.
+bool hasX11Tray()
+{
+    xcb_connection_t *connection = x11::connection();
+    if (!connection)
+        return false;
+    const auto question = xcb_get_selection_owner(connection, x11::atom("_NET_SYSTEM_TRAY_S0"));
+    const x11::Owned<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(connection, question, nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+/// Calls back when some manager of the X server, such as a tray, announces itself.
+class ManagerWatch final : public QObject, public QAbstractNativeEventFilter
+{
+public:
+    ManagerWatch(std::function<void()> callBack, QObject *parent)
+        : QObject(parent)
+        , m_callBack(std::move(callBack))
+    {
+        QCoreApplication::instance()->installNativeEventFilter(this);
+    }
+
+    bool nativeEventFilter(const QByteArray & /*type*/, void *message,
+                           qintptr * /*result*/) override
+    {
+        constexpr std::uint8_t sentBySomebody = 0x80;
+        const auto type = static_cast<const xcb_generic_event_t *>(message)->response_type;
+        if ((type & ~sentBySomebody) == XCB_CLIENT_MESSAGE
+            && static_cast<const xcb_client_message_event_t *>(message)->type == m_announcement)
+            QMetaObject::invokeMethod(this, m_callBack, Qt::QueuedConnection);
+        return false;
+    }
+
+private:
+    std::function<void()> m_callBack;
+    const xcb_atom_t m_announcement = x11::atom("MANAGER");
+};
+
+} // namespace
+
+// The toolkit decides at its first look at the tray, for good, by which of the two ways it shows
+// icons. So it must not look before one of them is there, and we look ourselves.
+TrayHost::TrayHost(QObject *parent)
+    : QObject(parent)
+{
+    QDBusConnection::sessionBus().connect(watcher, watcherPath, watcher,
+                                          QStringLiteral("StatusNotifierHostRegistered"), this,
+                                          SLOT(check()));
+    if (x11::connection())
+        new ManagerWatch([this] { check(); }, this);
+}
+
+bool TrayHost::isThere() const
+{
+    return hasNotifierHost() || hasX11Tray();
+}
+
+void TrayHost::check()
+{
+    if (isThere())
+        Q_EMIT appeared();
+}
+
+} // namespace tallyglass
