@@ -4,6 +4,7 @@
 #include <QDBusPendingReply>
 #include <QFileInfo>
 #include <QFutureWatcher>
+#include <QMutex>
 #include <QtConcurrent>
 
 namespace tallyglass {
@@ -23,6 +24,9 @@ bool hasBus()
 /// Blocks as long as a bus takes to answer.
 QDBusConnection connectedBus()
 {
+    // One at a time: Qt dies of a connection that is made and dropped by two threads at once.
+    static QMutex mutex;
+    const QMutexLocker lock(&mutex);
     const QDBusConnection known(connectionName);
     if (known.isConnected() || !hasBus())
         return known;
