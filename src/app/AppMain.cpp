@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QQuickWindow>
+#include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <array>
@@ -14,8 +15,12 @@
 Q_IMPORT_QML_PLUGIN(TallyglassPlugin)
 
 using namespace tallyglass;
+using namespace std::chrono_literals;
 
 namespace {
+
+// A tray takes an icon in after a moment; before, nobody knows where it is.
+constexpr auto untilIconIsPlaced = 300ms;
 
 bool isAnySet(std::initializer_list<const char *> variables)
 {
@@ -51,7 +56,7 @@ int start(const command::Start &start)
     MenuBarExtra extra(application.model(), application.updater(), application.ports());
     QObject::connect(&instance, &SingleInstance::showRequested, &extra, &MenuBarExtra::openPanel);
     if (start.inDemoHome)
-        extra.openPanel();
+        QTimer::singleShot(untilIconIsPlaced, &extra, &MenuBarExtra::openPanel);
     else if (QGuiApplication::platformName() != QLatin1String("offscreen"))
         extra.openWithoutTray();
     return QCoreApplication::exec();
