@@ -1,6 +1,7 @@
 #include "app/DemoHome.h"
 
 #include "model/IsoDateTime.h"
+#include "model/UsageJson.h"
 
 #include <QDir>
 #include <QFile>
@@ -8,7 +9,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace tallyglass {
 
@@ -143,6 +146,52 @@ void writeStatuslineLimits(const QString &home, Instant now)
                       {QStringLiteral("seven_day"), limit(57, 10'080, now + 4 * 24h + 130min)}}}});
 }
 
+/// A week of samples: limits that fill and start anew, and nights without the program.
+void writeHistory(const QString &home, Instant now)
+{
+    constexpr double fiveHours = 300; // minutes
+    constexpr double week = 7 * 24 * 60;
+    std::vector<UsageHistorySample> samples;
+    for (auto ago = std::chrono::minutes(7 * 24h); ago > 0min; ago -= 11min) {
+        const auto minutes = static_cast<double>(ago.count());
+        const double hourOfDay = std::fmod(minutes / 60, 24);
+        if (hourOfDay > 8 && hourOfDay < 17)
+            continue;
+        const auto sample = [&](UsageProvider provider, double minutesToReset, double fill) {
+            const double sinceReset = fiveHours - minutesToReset - minutes;
+            const double window = std::floor(sinceReset / fiveHours); // 0 is the running one
+            const double busy = window == 0 ? 1 : 0.55 + 0.4 * std::sin(window * 2.3);
+            const double inWindow = sinceReset / fiveHours - window;
+            samples.push_back(
+                {.id = QUuid::createUuid(),
+                 .date = now - ago,
+                 .provider = provider,
+                 .fiveHourPercent = std::clamp(fill * busy * inWindow, 0.0, 1.0),
+                 .weekPercent = std::clamp(fill * 0.6 * (1 - minutes / week), 0.0, 1.0)});
+        };
+        sample(UsageProvider::Codex, 107, 1);
+        sample(UsageProvider::Claude, 48, 0.99);
+        sample(UsageProvider::Copilot, 150, 0.18);
+    }
+    QDir().mkpath(home + QStringLiteral("/Library/Application Support/Tallyglass"));
+    QFile file(home + QStringLiteral("/Library/Application Support/Tallyglass/usage_history.json"));
+    file.open(QIODevice::WriteOnly);
+    file.write(QJsonDocument(toJson(samples)).toJson(QJsonDocument::Compact));
+}
+
+/// Stand-ins, which are looked for but do nothing when they are run.
+void writeTools(const QString &home)
+{
+    const QString folder = home + QStringLiteral("/.local/bin");
+    QDir().mkpath(folder);
+    for (const char *name : {"claude", "codex", "copilot"}) {
+        QFile file(folder + u'/' + QString::fromLatin1(name));
+        file.open(QIODevice::WriteOnly);
+        file.write("#!/bin/sh\n");
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+}
+
 } // namespace
 
 DemoHome::DemoHome(Instant now)
@@ -152,6 +201,8 @@ DemoHome::DemoHome(Instant now)
     writeCodexRollout(path(), now);
     writeCopilotSessions(path(), now);
     writeStatuslineLimits(path(), now);
+    writeHistory(path(), now);
+    writeTools(path());
 }
 
 } // namespace tallyglass

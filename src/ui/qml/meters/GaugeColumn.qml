@@ -25,7 +25,7 @@ ColumnLayout {
 
     Text {
         Layout.alignment: Qt.AlignHCenter
-        Layout.maximumWidth: 64
+        Layout.maximumWidth: 72
         text: root.caption
         color: Theme.tertiaryText
         font.pixelSize: Theme.captionSize

@@ -12,6 +12,7 @@ RowLayout {
 
     Accessible.role: Accessible.Grouping
     Accessible.name: row.name
+    Accessible.description: [row.remainingText, row.inputText, row.outputText].join(" ").trim()
 
     GaugeColumn {
         percent: root.row.usedShare
@@ -30,12 +31,27 @@ RowLayout {
     ColumnLayout {
         spacing: 4
 
+        HoverHandler {
+            id: pointer
+        }
+
+        Hint {
+            y: parent.height / 2
+            visible: pointer.hovered
+
+            contentItem: UsageTokensCaption {
+                remainingText: root.row.remainingText
+                inputText: root.row.inputText
+                outputText: root.row.outputText
+            }
+        }
+
         RowLayout {
             spacing: Theme.spaceXSmall + 1
 
             ProviderLogoView {
-                implicitWidth: 13
-                implicitHeight: 13
+                Layout.preferredWidth: Theme.smallSymbolSize
+                Layout.preferredHeight: Theme.smallSymbolSize
                 provider: root.row.provider
             }
 

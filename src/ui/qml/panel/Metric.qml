@@ -38,10 +38,13 @@ ColumnLayout {
 
     Text {
         objectName: "figure"
+        Layout.fillWidth: true
         text: root.text
         color: Theme.text
         font.pixelSize: Theme.titleSize
         font.weight: Font.DemiBold
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: Theme.captionSize
         Accessible.ignored: true
     }
 }
