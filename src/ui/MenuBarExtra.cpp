@@ -126,7 +126,10 @@ void MenuBarExtra::refresh()
 
 void MenuBarExtra::quit()
 {
-    closeSettings(); // A figure that is being entered is stored when its field loses the focus.
+    // A figure that is being entered is stored when its field loses the focus.
+    QQuickItem *focused = m_settings ? m_settings->activeFocusItem() : nullptr;
+    if (focused)
+        focused->setFocus(false);
     QCoreApplication::quit();
 }
 

@@ -23,7 +23,7 @@ QPoint panelPlace(QSize panel, const QRect &icon, const QRect &available)
         return {within(right, room.left(), right), room.top()};
 
     const bool isAbove = icon.center().y() < available.center().y();
-    const int x = icon.center().x() - panel.width() / 2;
+    const int x = icon.x() + (icon.width() - panel.width()) / 2;
     const int y = isAbove ? icon.bottom() + 1 + panelGap : icon.top() - panelGap - panel.height();
     return {within(x, room.left(), right), within(y, room.top(), bottom)};
 }
