@@ -15,6 +15,8 @@ namespace {
 // From the press of a button, which takes the focus away, to the icon's word that it was clicked.
 constexpr qint64 longestClick = 150; // milliseconds
 
+constexpr int roomOfFrame = 24; // pixels, for a title bar
+
 constexpr Qt::WindowFlags dropDown =
     Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::NoDropShadowWindowHint;
 
@@ -31,7 +33,6 @@ PanelWindow::PanelWindow(QQmlEngine &engine, const QUrl &content, const QVariant
 {
     setIcon(appIcon());
     setTitle(QCoreApplication::applicationName());
-    setResizeMode(SizeViewToRootObject);
     setInitialProperties(properties);
     setSource(content);
     connect(this, &QWindow::activeChanged, this, &PanelWindow::goWhenInactive);
@@ -41,23 +42,25 @@ void PanelWindow::openAt(const QRect &icon)
 {
     m_icon = icon;
     m_dropsDown = true;
-    open(dropDown);
+    open(dropDown, panelGap);
 }
 
 void PanelWindow::openAsWindow()
 {
     m_icon = {};
     m_dropsDown = false;
-    open(Qt::Window);
+    open(Qt::Window, roomOfFrame);
 }
 
-void PanelWindow::open(Qt::WindowFlags flags)
+/// \a margin is what has to stay free above and below, in pixels.
+void PanelWindow::open(Qt::WindowFlags flags, int margin)
 {
-    m_available = availableAround(m_icon);
-    if (flags != this->flags() && !isVisible())
+    if (flags != this->flags()) {
+        destroy(); // Window managers look at some of it once, when a window is new.
         setFlags(flags);
-    if (QQuickItem *root = rootObject())
-        root->setProperty("largestHeight", m_available.height() - 2 * panelGap);
+    }
+    m_available = availableAround(m_icon);
+    fitContent(m_available.height() - 2 * margin);
     if (m_dropsDown) {
         keepOutOfTaskBar(*this);
         setPosition(panelPlace(size(), m_icon, m_available));
@@ -65,6 +68,21 @@ void PanelWindow::open(Qt::WindowFlags flags)
     show();
     raise();
     requestActivate();
+}
+
+/// The panel takes the height of its content, an ordinary window lets the user choose.
+void PanelWindow::fitContent(int largestHeight)
+{
+    QQuickItem *root = rootObject();
+    if (!root)
+        return;
+    root->resetWidth();
+    root->resetHeight();
+    root->setProperty("largestHeight", largestHeight);
+    const QSize wanted = root->size().toSize();
+    setResizeMode(m_dropsDown ? SizeViewToRootObject : SizeRootObjectToView);
+    // The view would follow in a moment, while the window manager already places it.
+    resize(wanted);
 }
 
 void PanelWindow::goWhenInactive()

@@ -13,7 +13,7 @@ class PanelWindow : public QQuickView
     Q_OBJECT
 
 public:
-    /// \a content is what the window shows; it sizes itself, and the window follows.
+    /// \a content is what the window shows. Its "largestHeight" is told to it at each opening.
     PanelWindow(QQmlEngine &engine, const QUrl &content, const QVariantMap &properties);
 
     void openAt(const QRect &icon);
@@ -26,7 +26,8 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
-    void open(Qt::WindowFlags flags);
+    void open(Qt::WindowFlags flags, int margin);
+    void fitContent(int largestHeight);
     void goWhenInactive();
 
     QRect m_icon;

@@ -12,8 +12,6 @@ Rectangle {
 
     implicitWidth: panel.implicitWidth + 2
     implicitHeight: Math.min(panel.implicitHeight + 2, largestHeight)
-    width: implicitWidth
-    height: implicitHeight
     color: Theme.background
     border.color: Theme.separator
 
