@@ -52,7 +52,12 @@ int start(const command::Start &start)
 
     const QuitSignals quitSignals;
     QObject::connect(&quitSignals, &QuitSignals::received, &QCoreApplication::quit);
-    TallyglassApp application(makePorts(home.path()));
+    Ports ports = makePorts(home.path());
+    if (start.inDemoHome) {
+        ports.host.claudeApi.clear(); // nobody is asked about made-up limits
+        ports.host.feedUrl.clear();
+    }
+    TallyglassApp application(std::move(ports));
     MenuBarExtra extra(application.model(), application.updater(), application.ports());
     QObject::connect(&instance, &SingleInstance::showRequested, &extra, &MenuBarExtra::openPanel);
     if (start.inDemoHome)

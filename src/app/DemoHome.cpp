@@ -192,6 +192,20 @@ void writeTools(const QString &home)
     }
 }
 
+/// As of somebody who is logged in and uses the bridge. The token opens nothing.
+void writeClaudeSettings(const QString &home, Instant now)
+{
+    const QJsonObject login{{QStringLiteral("accessToken"), QStringLiteral("demo")},
+                            {QStringLiteral("expiresAt"), unixSeconds(now + 24h)}};
+    LinesFile(home + QStringLiteral("/.claude/.credentials.json"))
+        .append({{QStringLiteral("claudeAiOauth"), login}});
+    const QJsonObject statusLine{
+        {QStringLiteral("type"), QStringLiteral("command")},
+        {QStringLiteral("command"), QStringLiteral("tallyglass-statusline-bridge.py")}};
+    LinesFile(home + QStringLiteral("/.claude/settings.json"))
+        .append({{QStringLiteral("statusLine"), statusLine}});
+}
+
 } // namespace
 
 DemoHome::DemoHome(Instant now)
@@ -203,6 +217,7 @@ DemoHome::DemoHome(Instant now)
     writeStatuslineLimits(path(), now);
     writeHistory(path(), now);
     writeTools(path());
+    writeClaudeSettings(path(), now);
 }
 
 } // namespace tallyglass

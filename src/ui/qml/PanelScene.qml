@@ -13,7 +13,6 @@ Rectangle {
     implicitWidth: panel.implicitWidth + 2
     implicitHeight: Math.min(panel.implicitHeight + 2, largestHeight)
     color: Theme.background
-    border.color: Theme.separator
 
     ScrolledPage {
         anchors.fill: parent
@@ -28,6 +27,12 @@ Rectangle {
             onSettingsRequested: root.extra.openSettings()
             onQuitRequested: root.extra.quit()
         }
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        color: "transparent"
+        border.color: Theme.separator
     }
 
     WindowShortcuts {
