@@ -13,6 +13,7 @@
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QTest>
 
 namespace tallyglass::test {
 
@@ -87,6 +88,10 @@ public:
             show();
             grabWindow();
         }
+        // The platform tells a new window that the pointer has entered it.
+        if (!QTest::qWaitForWindowExposed(this))
+            qFatal("the panel's window does not show");
+        QCoreApplication::processEvents();
     }
 };
 

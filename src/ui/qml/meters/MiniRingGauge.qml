@@ -34,7 +34,7 @@ Item {
         anchors.margins: root.lineWidth + 3
         text: root.text
         color: Theme.text
-        font.pixelSize: Math.max(root.size * 0.23, 9)
+        font.pixelSize: Math.round(Math.max(root.size * 0.23, 9))
         font.weight: Font.DemiBold
         fontSizeMode: Text.HorizontalFit
         minimumPixelSize: font.pixelSize * 0.5

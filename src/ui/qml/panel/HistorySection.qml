@@ -95,6 +95,7 @@ ColumnLayout {
         }
 
         Text {
+            objectName: "pointedTime"
             Layout.fillWidth: true
             text: chart.pointedTime
             color: Theme.secondaryText
