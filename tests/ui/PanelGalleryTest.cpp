@@ -5,6 +5,7 @@
 #include "support/Table.h"
 #include "support/TemporaryHome.h"
 #include "support/TestData.h"
+#include "ui/MenuBarExtra.h"
 
 #include <QDir>
 #include <QFont>
@@ -19,7 +20,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-enum class State { Working, EveryNotice, Nothing, Extremes };
+enum class State { Working, Week, EveryNotice, Nothing, Extremes };
 
 struct PictureRow
 {
@@ -65,6 +66,24 @@ QStringList cutTexts(const QQuickItem &root)
     return cut;
 }
 
+constexpr int ordinaryWidth = 480; // of the settings, whose screen may be narrower here
+
+void useFontOf(int pixels)
+{
+    QFont font(QStringLiteral("Noto Sans CJK JP"));
+    font.setPixelSize(pixels);
+    QGuiApplication::setFont(font);
+}
+
+void leavePicture(QQuickWindow &window, const char *name)
+{
+    const QImage picture = window.grabWindow();
+    QCOMPARE(picture.size(), window.size() * window.devicePixelRatio());
+    const QString folder = qEnvironmentVariable("TALLYGLASS_PICTURES");
+    if (!folder.isEmpty())
+        QVERIFY(picture.save(folder + u'/' + QString::fromLatin1(name) + QStringLiteral(".png")));
+}
+
 } // namespace
 
 class PanelGalleryTest : public QObject
@@ -84,6 +103,7 @@ private Q_SLOTS:
             {"working-light", State::Working, false, 13},
             {"working-dark", State::Working, true, 13},
             {"working-light-large", State::Working, false, 20},
+            {"week-light", State::Week, false, 13},
             {"notices-light", State::EveryNotice, false, 13},
             {"notices-dark", State::EveryNotice, true, 13},
             {"nothing-light", State::Nothing, false, 13},
@@ -95,37 +115,67 @@ private Q_SLOTS:
     void draws()
     {
         const auto row = test::currentRow<PictureRow>();
-        QFont font(QStringLiteral("Noto Sans CJK JP"));
-        font.setPixelSize(row.fontSize);
-        QGuiApplication::setFont(font);
+        useFontOf(row.fontSize);
         test::usePalette(row.isDark);
 
         const Instant now = test::FakeClock().now();
         const DemoHome demo(now);
         const test::TemporaryHome empty;
-        const bool usesDemo = row.state == State::Working || row.state == State::EveryNotice;
+        const bool usesDemo = row.state != State::Nothing && row.state != State::Extremes;
         test::PanelMachine machine(usesDemo ? demo.path() : empty.path());
-        if (row.state == State::Working) {
-            QFile credentials(demo.path() + QStringLiteral("/.claude/.credentials.json"));
-            QVERIFY(credentials.open(QIODevice::WriteOnly));
-            credentials.write(R"({"accessToken":"token"})");
+        if (row.state == State::Working || row.state == State::Week) {
             machine.fake.http.replies = {{200, "{}"}};
         } else if (row.state == State::EveryNotice) {
             QVERIFY(QDir(demo.path() + QStringLiteral("/.local")).removeRecursively());
+            QVERIFY(QFile::remove(demo.path() + QStringLiteral("/.claude/.credentials.json")));
             machine.fake.http.replies = {{200, test::testData("feed-release-notes.xml")}};
         } else if (row.state == State::Extremes) {
             writeExtremes(empty, now);
         }
         QCoro::waitFor(machine.model.refresh());
+        if (row.state == State::Week) {
+            machine.viewModel.setWindowIndex(static_cast<int>(UsageWindowKind::Week));
+            machine.viewModel.setHistoryIndex(static_cast<int>(HistoryRange::Week));
+        }
 
         test::PanelView view(machine.viewModel);
-        const QImage picture = view.grabWindow();
-        QCOMPARE(picture.size(), view.size() * view.devicePixelRatio());
-        const QString folder = qEnvironmentVariable("TALLYGLASS_PICTURES");
-        if (!folder.isEmpty())
-            QVERIFY(picture.save(folder + u'/' + QString::fromLatin1(row.name)
-                                 + QStringLiteral(".png")));
-        QCOMPARE(cutTexts(*view.rootObject()), QStringList());
+        leavePicture(view, row.name);
+        for (const char *notice : {"updateNotice", "tokenNotice", "cliNotice"}) {
+            const auto found = test::itemsNamed(QString::fromLatin1(notice), *view.rootObject());
+            if (usesDemo)
+                QCOMPARE(found.front()->isVisible(), row.state == State::EveryNotice);
+        }
+        const QStringList cut = cutTexts(*view.rootObject());
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(u'\n')));
+    }
+
+    void drawsTheSettings_data()
+    {
+        QTest::addColumn<bool>("isDark");
+        QTest::newRow("settings-light") << false;
+        QTest::newRow("settings-dark") << true;
+    }
+    void drawsTheSettings()
+    {
+        QFETCH(const bool, isDark);
+        useFontOf(13);
+        test::usePalette(isDark);
+        const DemoHome demo(test::FakeClock().now());
+        test::PanelMachine machine(demo.path());
+        machine.fake.http.replies = {{200, "{}"}};
+        QCoro::waitFor(machine.model.refresh());
+        MenuBarExtra extra(machine.model, machine.updater, machine.fake.ports);
+        extra.openSettings();
+        QQuickView &view = *extra.settings();
+        view.resize(ordinaryWidth, view.height());
+        QVERIFY(QTest::qWaitForWindowExposed(&view));
+        QCoreApplication::processEvents();
+        const auto page = test::itemsNamed(QStringLiteral("page"), *view.rootObject());
+        view.resize(ordinaryWidth, page.front()->property("contentHeight").toInt());
+        QCoreApplication::processEvents();
+        leavePicture(view, QTest::currentDataTag());
+        const QStringList cut = cutTexts(*view.rootObject());
+        QVERIFY2(cut.isEmpty(), qPrintable(cut.join(u'\n')));
     }
 };
 

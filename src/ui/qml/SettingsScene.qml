@@ -12,6 +12,7 @@ Rectangle {
     color: Theme.background
 
     ScrolledPage {
+        objectName: "page"
         anchors.fill: parent
         contentHeight: view.implicitHeight + 2 * view.y
 
