@@ -146,32 +146,39 @@ void writeStatuslineLimits(const QString &home, Instant now)
                       {QStringLiteral("seven_day"), limit(57, 10'080, now + 4 * 24h + 130min)}}}});
 }
 
-/// A week of samples: limits that fill and start anew, and nights without the program.
+/// A limit that fills evenly and starts anew, at a moment so many minutes ago. \a share is what is
+/// used now.
+double demoShare(std::chrono::minutes ago, std::chrono::minutes toReset,
+                 std::chrono::minutes length, double share)
+{
+    const double lengths = std::chrono::duration<double>(length - toReset - ago) / length;
+    const double window = std::floor(lengths); // 0 is the running one
+    const double busy = window == 0 ? 1 : 0.55 + 0.4 * std::sin(window * 2.3);
+    const double whole = share / (1 - std::chrono::duration<double>(toReset) / length);
+    return std::clamp(whole * busy * (lengths - window), 0.0, 1.0);
+}
+
+/// A week of samples, and nights without the program.
 void writeHistory(const QString &home, Instant now)
 {
-    constexpr double fiveHours = 300; // minutes
-    constexpr double week = 7 * 24 * 60;
+    constexpr std::chrono::minutes week = 7 * 24h;
     std::vector<UsageHistorySample> samples;
-    for (auto ago = std::chrono::minutes(7 * 24h); ago > 0min; ago -= 11min) {
-        const auto minutes = static_cast<double>(ago.count());
-        const double hourOfDay = std::fmod(minutes / 60, 24);
-        if (hourOfDay > 8 && hourOfDay < 17)
+    for (auto ago = week; ago > 0min; ago -= 11min) {
+        if (ago % 24h > 8h && ago % 24h < 17h)
             continue;
-        const auto sample = [&](UsageProvider provider, double minutesToReset, double fill) {
-            const double sinceReset = fiveHours - minutesToReset - minutes;
-            const double window = std::floor(sinceReset / fiveHours); // 0 is the running one
-            const double busy = window == 0 ? 1 : 0.55 + 0.4 * std::sin(window * 2.3);
-            const double inWindow = sinceReset / fiveHours - window;
-            samples.push_back(
-                {.id = QUuid::createUuid(),
-                 .date = now - ago,
-                 .provider = provider,
-                 .fiveHourPercent = std::clamp(fill * busy * inWindow, 0.0, 1.0),
-                 .weekPercent = std::clamp(fill * 0.6 * (1 - minutes / week), 0.0, 1.0)});
+        const auto append = [&](UsageProvider provider, double fiveHours, double ofWeek) {
+            samples.push_back({.id = QUuid::createUuid(),
+                               .date = now - ago,
+                               .provider = provider,
+                               .fiveHourPercent = fiveHours,
+                               .weekPercent = ofWeek});
         };
-        sample(UsageProvider::Codex, 107, 1);
-        sample(UsageProvider::Claude, 48, 0.99);
-        sample(UsageProvider::Copilot, 150, 0.18);
+        append(UsageProvider::Codex, demoShare(ago, 107min, 5h, 0.64),
+               demoShare(ago, 3 * 24h + 290min, week, 0.38));
+        append(UsageProvider::Claude, demoShare(ago, 48min, 5h, 0.83),
+               demoShare(ago, 4 * 24h + 130min, week, 0.57));
+        append(UsageProvider::Copilot, demoShare(ago, 150min, 5h, 0.09),
+               demoShare(ago, 2 * 24h, week, 0.07));
     }
     QDir().mkpath(home + QStringLiteral("/Library/Application Support/Tallyglass"));
     QFile file(home + QStringLiteral("/Library/Application Support/Tallyglass/usage_history.json"));

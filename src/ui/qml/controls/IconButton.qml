@@ -10,6 +10,7 @@ T.Button {
 
     implicitWidth: Theme.controlHeight + 2
     implicitHeight: Theme.controlHeight + 2
+    hoverEnabled: true // Not every platform says so by itself.
     opacity: enabled ? 1 : 0.4
     Accessible.name: text
 

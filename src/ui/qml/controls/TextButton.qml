@@ -15,6 +15,7 @@ T.Button {
     implicitHeight: Theme.controlHeight
     leftPadding: Theme.spaceMedium
     rightPadding: Theme.spaceMedium
+    hoverEnabled: true // Not every platform says so by itself.
     opacity: enabled ? 1 : 0.5
     Accessible.name: text
 

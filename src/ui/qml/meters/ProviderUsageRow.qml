@@ -36,7 +36,6 @@ RowLayout {
         }
 
         Hint {
-            y: parent.height / 2
             visible: pointer.hovered
 
             contentItem: UsageTokensCaption {
