@@ -1,4 +1,5 @@
 #include "app/DemoHome.h"
+#include "model/IsoDateTime.h"
 #include "support/PanelMachine.h"
 #include "support/QuickItems.h"
 #include "support/Table.h"
@@ -9,6 +10,7 @@
 #include <QDesktopServices>
 #include <QFont>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
@@ -93,6 +95,10 @@ private Q_SLOTS:
         test::usePalette(false);
         QAccessible::setActive(true);
     }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("qml"))); // any of a QML file
+    }
 
     void saysNothingWithoutOccasion()
     {
@@ -129,6 +135,38 @@ private Q_SLOTS:
         const auto rows = test::itemsNamed(QStringLiteral("providerRow"), *view.rootObject());
         QCoro::waitFor(machine.model.refresh());
         QCOMPARE(test::itemsNamed(QStringLiteral("providerRow"), *view.rootObject()), rows);
+
+        const auto models = test::itemsNamed(QStringLiteral("modelName"), *view.rootObject());
+        machine.viewModel.update();
+        QCOMPARE(test::itemsNamed(QStringLiteral("modelName"), *view.rootObject()), models);
+    }
+
+    void namesOnlyTheToolsInTheRange()
+    {
+        const test::TemporaryHome home;
+        test::PanelMachine machine(home.path());
+        const auto sample = [&](const char *provider, std::chrono::hours age) {
+            return QStringLiteral(R"({"id":"%1","date":"%2","provider":"%3","fiveHourPercent":0.5,)"
+                                  R"("weekPercent":0.5,"totalTokens":1})")
+                .arg(QUuid::createUuid().toString(QUuid::WithoutBraces),
+                     formatIsoDateTime(machine.fake.clock.now() - age),
+                     QString::fromLatin1(provider));
+        };
+        home.write(QStringLiteral("Library/Application Support/Tallyglass/usage_history.json"),
+                   QStringLiteral("[%1,%2,%3]")
+                       .arg(sample("codex", 50h), sample("claude", 2h), sample("copilot", 50h))
+                       .toUtf8());
+        machine.fake.defaults.values.insert(QStringLiteral("historyRange"), QStringLiteral("week"));
+        QCoro::waitFor(machine.model.refresh());
+        test::PanelView view(machine.viewModel);
+        const auto legend = [&] {
+            return test::itemsNamed(QStringLiteral("legend"), *view.rootObject()).size();
+        };
+        QCOMPARE(legend(), 3);
+        machine.viewModel.setHistoryIndex(0);
+        QCOMPARE(legend(), 1);
+        machine.viewModel.setHistoryIndex(1);
+        QCOMPARE(legend(), 3);
     }
 
     void offersAnUpdate_data()
