@@ -20,15 +20,20 @@ struct Outcome
     QByteArray errors;
 };
 
+QProcessEnvironment environmentOf(const test::TemporaryHome &home)
+{
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), home.path());
+    environment.insert(QStringLiteral("TMPDIR"), home.path(QStringLiteral("tmp")));
+    return environment;
+}
+
 /// Runs the program as a user does, in a home and a temporary folder of its own.
 Outcome run(const QStringList &words, const test::TemporaryHome &home,
             const QString &outputFile = {})
 {
     QProcess program;
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), home.path());
-    environment.insert(QStringLiteral("TMPDIR"), home.path(QStringLiteral("tmp")));
-    program.setProcessEnvironment(environment);
+    program.setProcessEnvironment(environmentOf(home));
     QDir(home.path()).mkdir(QStringLiteral("tmp"));
     if (!outputFile.isEmpty())
         program.setStandardOutputFile(outputFile);
@@ -112,6 +117,25 @@ private Q_SLOTS:
         for (const auto &provider : window.providers)
             QVERIFY(!provider.models.empty());
         QVERIFY(QDir(home.path(QStringLiteral("tmp"))).isEmpty());
+    }
+
+    void theApplicationRunsWithoutADisplay()
+    {
+        const test::TemporaryHome home;
+        const auto snapshot = QStringLiteral("Library/Application Support/Tallyglass/"
+                                             "usage_snapshot.json");
+        auto environment = environmentOf(home);
+        for (const char *display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(QString::fromLatin1(display));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
+        QProcess application;
+        application.setProcessEnvironment(environment);
+        application.start(QStringLiteral(TG_PROGRAM), QStringList());
+        QTRY_VERIFY(!home.read(snapshot).isEmpty());
+        application.terminate();
+        QVERIFY(application.waitForFinished());
+        QCOMPARE(application.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(application.exitCode(), 0);
     }
 
     void misuseIsOneLineAndStatusTwo()

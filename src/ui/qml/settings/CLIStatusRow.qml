@@ -9,6 +9,8 @@ Column {
     required property cliStatusRow status
 
     spacing: 2
+    Accessible.role: Accessible.Grouping
+    Accessible.name: status.name + " " + status.stateText
 
     RowLayout {
         width: root.width
