@@ -11,7 +11,7 @@ namespace tallyglass {
 namespace {
 
 /// How many points follow the command; -1 for a word that is none.
-int pointCount(QStringView word)
+qsizetype pointCount(QStringView word)
 {
     if (word.size() != 1)
         return -1;
@@ -40,13 +40,13 @@ QPainterPath outline(const QStringList &words)
 {
     QPainterPath path;
     for (qsizetype i = 0; i < words.size(); ++i) {
-        const int count = pointCount(words[i]);
+        const qsizetype count = pointCount(words[i]);
         if (count < 0)
             continue;
         if (words.size() - i - 1 < 2 * count)
             break;
         const QChar command = words[i][0];
-        const auto point = [&](int index) {
+        const auto point = [&](qsizetype index) {
             return QPointF(number(words[i + 2 * index + 1]), number(words[i + 2 * index + 2]));
         };
         if (command == u'M')
