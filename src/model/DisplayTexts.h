@@ -147,7 +147,7 @@ inline constexpr std::array displayTexts{
 AIコーディングCLI（Claude Code、Codex CLI、GitHub Copilot CLI）の使用量を表示します。
 
 コマンド:
-  （なし）           バックグラウンドで動作し、5分ごとに集計します
+  （なし）           トレイに常駐し、5分ごとに集計します
   report             ログを一度集計して表で表示します。ネットワークには接続せず、ファイルも書きません
     --window 期間    fiveHours、hour、day、week、monthのいずれかだけを表示します
     --json           usage_snapshot.jsonと同じJSONを出力します
