@@ -6,6 +6,7 @@
 #include "ui/MenuBarExtra.h"
 
 #include <QApplication>
+#include <QLocale>
 #include <QQuickWindow>
 #include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
@@ -43,6 +44,14 @@ void chooseRenderer()
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
+/// Where the system names no language, dates and figures are written like the texts: in Japanese.
+/// The forms that stand for no language show seconds on every clock.
+void chooseLocale()
+{
+    if (QLocale().language() == QLocale::C)
+        QLocale::setDefault(QLocale(QLocale::Japanese, QLocale::Japan));
+}
+
 int start(const command::Start &start)
 {
     const Home home(start.inDemoHome);
@@ -73,6 +82,7 @@ int main(int argc, char *argv[])
 {
     choosePlatform();
     chooseRenderer();
+    chooseLocale();
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Tallyglass"));
     QGuiApplication::setDesktopFileName(QStringLiteral("tallyglass"));
