@@ -1,11 +1,12 @@
 #include "store/JsonFile.h"
 
+#include "platform/PrivateFolder.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <cstdio>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace tallyglass {
@@ -13,16 +14,6 @@ namespace tallyglass {
 namespace {
 
 constexpr auto ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-
-/// Creates a folder and those above it that are missing, for the user alone.
-bool makePrivateFolder(const QString &path)
-{
-    if (QFileInfo(path).isDir())
-        return true;
-    const QString parent = QFileInfo(path).path();
-    return parent != path && makePrivateFolder(parent)
-        && mkdir(QFile::encodeName(path).constData(), S_IRWXU) == 0;
-}
 
 bool writeWhole(QFile &file, const QByteArray &content)
 {

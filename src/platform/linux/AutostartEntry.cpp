@@ -1,5 +1,6 @@
 #include "platform/linux/AutostartEntry.h"
 
+#include "platform/PrivateFolder.h"
 #include "platform/linux/ConfigFolder.h"
 #include "platform/linux/DesktopEntry.h"
 

@@ -8,8 +8,4 @@ namespace tallyglass {
 /// desktop's rules demand, else ".config" in the home folder.
 QString configFolder(const QString &homeFolder);
 
-/// Makes a folder, and those above it that are missing, for the user alone. When it fails, errno
-/// says why.
-bool makePrivateFolder(const QString &path);
-
 } // namespace tallyglass

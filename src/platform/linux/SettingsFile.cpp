@@ -1,5 +1,6 @@
 #include "platform/linux/SettingsFile.h"
 
+#include "platform/PrivateFolder.h"
 #include "platform/linux/ConfigFolder.h"
 
 #include <QFile>
