@@ -3,6 +3,7 @@
 #include "app/QuitSignals.h"
 #include "app/SingleInstance.h"
 #include "app/TallyglassApp.h"
+#include "platform/Desktop.h"
 #include "ui/MenuBarExtra.h"
 
 #include <QApplication>
@@ -32,7 +33,7 @@ bool isAnySet(std::initializer_list<const char *> variables)
 /// drawn into memory.
 void choosePlatform()
 {
-    if (!isAnySet({"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}))
+    if (!hasDisplay() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 

@@ -1,5 +1,7 @@
 #include "platform/Ports.h"
 
+#include "platform/MenuBarItem.h"
+
 namespace tallyglass {
 
 // Each here, so that its table of virtual functions exists once.
@@ -7,6 +9,7 @@ Clock::~Clock() = default;
 HttpClient::~HttpClient() = default;
 Keychain::~Keychain() = default;
 LoginItem::~LoginItem() = default;
+MenuBarItem::~MenuBarItem() = default;
 Notifier::~Notifier() = default;
 ProcessRunner::~ProcessRunner() = default;
 UpdaterEngine::~UpdaterEngine() = default;

@@ -1,7 +1,7 @@
 #include "ui/MenuBarExtra.h"
 
 #include "model/DisplayTexts.h"
-#include "services/Settings.h"
+#include "platform/Desktop.h"
 #include "services/UsageModel.h"
 #include "ui/AppIcon.h"
 #include "ui/PanelWindow.h"
@@ -41,13 +41,14 @@ MenuBarExtra::MenuBarExtra(UsageModel &model, AppUpdater &updater, Ports &ports,
     , m_ports(ports)
     , m_panelViewModel(model, updater, *ports.defaults, *ports.clock)
     , m_settingsViewModel(model, updater, ports)
+    , m_item(makeMenuBarItem(menuBarIcon()))
 {
-    connect(&m_tray, &TrayIcon::clicked, this, &MenuBarExtra::togglePanel);
-    connect(&m_tray, &TrayIcon::openChosen, this, &MenuBarExtra::openPanel);
-    connect(&m_tray, &TrayIcon::refreshChosen, this, &MenuBarExtra::refresh);
-    connect(&m_tray, &TrayIcon::settingsChosen, this, &MenuBarExtra::openSettings);
-    connect(&m_tray, &TrayIcon::quitChosen, this, &MenuBarExtra::quit);
-    connect(&m_tray, &TrayIcon::appeared, this, &MenuBarExtra::closePanel);
+    connect(m_item.get(), &MenuBarItem::clicked, this, &MenuBarExtra::togglePanel);
+    connect(m_item.get(), &MenuBarItem::openChosen, this, &MenuBarExtra::openPanel);
+    connect(m_item.get(), &MenuBarItem::refreshChosen, this, &MenuBarExtra::refresh);
+    connect(m_item.get(), &MenuBarItem::settingsChosen, this, &MenuBarExtra::openSettings);
+    connect(m_item.get(), &MenuBarItem::quitChosen, this, &MenuBarExtra::quit);
+    connect(m_item.get(), &MenuBarItem::appeared, this, &MenuBarExtra::closePanel);
 
     connect(&m_panelViewModel, &PanelViewModel::changed, this, &MenuBarExtra::updateToolTip);
     updateToolTip();
@@ -58,7 +59,7 @@ MenuBarExtra::~MenuBarExtra() = default;
 void MenuBarExtra::openWithoutTray()
 {
     QTimer::singleShot(waitForTray, this, [this] {
-        if (!m_tray.isShown())
+        if (!m_item->isShown())
             openPanel();
     });
 }
@@ -71,8 +72,8 @@ void MenuBarExtra::openPanel()
             QVariantMap{{QStringLiteral("extra"), QVariant::fromValue(this)},
                         {QStringLiteral("viewModel"), QVariant::fromValue(&m_panelViewModel)}});
     m_panelViewModel.update();
-    if (m_tray.isShown())
-        m_panel->openAt(m_tray.place());
+    if (m_item->isShown())
+        m_panel->openAt(m_item->place());
     else
         m_panel->openAsWindow();
 }
@@ -109,6 +110,7 @@ void MenuBarExtra::openSettings()
     }
     m_settingsViewModel.reload();
     m_settings->show();
+    activateApplication();
     m_settings->raise();
     m_settings->requestActivate();
 }
@@ -143,7 +145,7 @@ void MenuBarExtra::updateToolTip()
     QStringList lines{QCoreApplication::applicationName()};
     for (const ProviderRow &row : m_panelViewModel.providerRows())
         lines += row.name + u' ' + row.usedText;
-    m_tray.setToolTip(lines.join(u'\n'));
+    m_item->setToolTip(lines.join(u'\n'));
 }
 
 QQmlEngine &MenuBarExtra::engine()

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/MenuBarItem.h"
 #include "ui/PanelViewModel.h"
 #include "ui/SettingsViewModel.h"
-#include "ui/TrayIcon.h"
 
 #include <QObject>
 #include <QtQml/qqmlregistration.h>
@@ -52,7 +52,7 @@ private:
     Ports &m_ports;
     PanelViewModel m_panelViewModel;
     SettingsViewModel m_settingsViewModel;
-    TrayIcon m_tray;
+    std::unique_ptr<MenuBarItem> m_item;
     std::unique_ptr<QQmlEngine> m_engine;
     std::unique_ptr<PanelWindow> m_panel;
     std::unique_ptr<QQuickView> m_settings;

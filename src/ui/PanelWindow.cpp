@@ -1,7 +1,7 @@
 #include "ui/PanelWindow.h"
 
+#include "platform/Desktop.h"
 #include "ui/AppIcon.h"
-#include "ui/DesktopWindow.h"
 #include "ui/PanelPlacement.h"
 
 #include <QGuiApplication>
@@ -62,7 +62,7 @@ void PanelWindow::open(Qt::WindowFlags flags, int margin)
     m_available = availableAround(m_icon);
     fitContent(m_available.height() - 2 * margin);
     if (m_dropsDown) {
-        keepOutOfTaskBar(*this);
+        becomeDropDown(*this);
         setPosition(panelPlace(size(), m_icon, m_available));
     }
     show();

@@ -1,6 +1,9 @@
 #include "ui/SymbolIcon.h"
 
+#include "platform/Desktop.h"
 #include "ui/Symbols.h"
+
+#include <QPainter>
 
 namespace tallyglass {
 
@@ -19,7 +22,12 @@ SymbolIcon::SymbolIcon(QQuickItem *parent)
 
 void SymbolIcon::paint(QPainter *painter)
 {
-    drawSymbol(*painter, m_name, boundingRect(), m_color);
+    const double scale = painter->device()->devicePixelRatio();
+    const QImage native = systemSymbol(m_name, (size() * scale).toSize(), m_color);
+    if (native.isNull())
+        drawSymbol(*painter, m_name, boundingRect(), m_color);
+    else
+        painter->drawImage(boundingRect(), native);
 }
 
 } // namespace tallyglass

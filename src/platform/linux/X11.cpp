@@ -1,4 +1,4 @@
-#include "ui/linux/X11.h"
+#include "platform/linux/X11.h"
 
 #include <QGuiApplication>
 

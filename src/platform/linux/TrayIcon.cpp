@@ -1,15 +1,14 @@
-#include "ui/TrayIcon.h"
+#include "platform/linux/TrayIcon.h"
 
 #include "model/DisplayTexts.h"
-#include "ui/AppIcon.h"
 
 #include <QAction>
 #include <QCursor>
 
 namespace tallyglass {
 
-TrayIcon::TrayIcon(QObject *parent)
-    : QObject(parent)
+TrayIcon::TrayIcon(const QIcon &picture)
+    : m_picture(picture)
 {
     connect(m_menu.addAction(displayText("menu.open")), &QAction::triggered, this,
             &TrayIcon::openChosen);
@@ -51,7 +50,7 @@ void TrayIcon::appear()
 {
     if (m_icon)
         return; // A tray that comes back takes the icon in again by itself.
-    m_icon.emplace(appIcon());
+    m_icon.emplace(m_picture);
     m_icon->setToolTip(m_toolTip);
     m_icon->setContextMenu(&m_menu);
     connect(&*m_icon, &QSystemTrayIcon::activated, this,

@@ -1,6 +1,6 @@
-#include "ui/TrayHost.h"
+#include "platform/linux/TrayHost.h"
 
-#include "ui/linux/X11.h"
+#include "platform/linux/X11.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
