@@ -4,6 +4,7 @@
 #include "app/SingleInstance.h"
 #include "app/TallyglassApp.h"
 #include "platform/Desktop.h"
+#include "platform/NoKeychain.h"
 #include "ui/MenuBarExtra.h"
 
 #include <QApplication>
@@ -66,6 +67,7 @@ int start(const command::Start &start)
     if (start.inDemoHome) {
         ports.host.claudeApi.clear(); // nobody is asked about made-up limits
         ports.host.feedUrl.clear();
+        ports.keychain = std::make_unique<NoKeychain>(); // nor for the user's token
     }
     TallyglassApp application(std::move(ports));
     MenuBarExtra extra(application.model(), application.updater(), application.ports());

@@ -1,5 +1,7 @@
 #include "collect/LogFiles.h"
 
+#include "platform/Packages.h"
+
 #include <algorithm>
 #include <array>
 #include <dirent.h>
@@ -31,12 +33,6 @@ constexpr std::string_view statuslineFile =
 
 constexpr std::array<std::string_view, 4> acceptedExtensions{"json", "jsonl", "ndjson", "log"};
 
-/// Extensions of folders that the system shows as one thing.
-constexpr std::array<std::string_view, 17> packageExtensions{
-    "app",           "bundle",   "framework",   "plugin",      "appex",     "xpc",
-    "kext",          "prefpane", "qlgenerator", "mdimporter",  "pkg",       "mpkg",
-    "photoslibrary", "rtfd",     "xcodeproj",   "xcworkspace", "playground"};
-
 /// The lower-cased extension; none for a name that only begins with a full stop.
 std::string extensionOf(std::string_view name)
 {
@@ -51,10 +47,9 @@ std::string extensionOf(std::string_view name)
     return extension;
 }
 
-template<std::size_t Count>
-bool hasExtension(std::string_view name, const std::array<std::string_view, Count> &extensions)
+bool isLogName(std::string_view name)
 {
-    return std::ranges::find(extensions, extensionOf(name)) != extensions.end();
+    return std::ranges::find(acceptedExtensions, extensionOf(name)) != acceptedExtensions.end();
 }
 
 /// POSIX and the BSDs name the member differently.
@@ -101,15 +96,16 @@ void scanRoot(const Root &root, const std::string &home, Instant cutoff,
                 continue;
             // The entry's type mostly spares the look at the file itself.
             const bool mayBeFile = entry->d_type == DT_REG || entry->d_type == DT_UNKNOWN;
-            const bool isAccepted = mayBeFile && hasExtension(name, acceptedExtensions);
+            const bool isAccepted = mayBeFile && isLogName(name);
             bool isFolder = entry->d_type == DT_DIR;
             struct stat status{};
             if ((isAccepted || entry->d_type == DT_UNKNOWN)
                 && fstatat(dirfd(entries.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
                 isFolder = S_ISDIR(status.st_mode);
             if (isFolder) {
-                if (!hasExtension(name, packageExtensions))
-                    folders.push_back(folder + '/' + entry->d_name);
+                std::string path = folder + '/' + entry->d_name;
+                if (!isPackage(path))
+                    folders.push_back(std::move(path));
             } else if (isAccepted) {
                 if (auto file =
                         logFile(root.provider, folder + '/' + entry->d_name, status, cutoff))

@@ -12,6 +12,7 @@ LoginItem::~LoginItem() = default;
 MenuBarItem::~MenuBarItem() = default;
 Notifier::~Notifier() = default;
 ProcessRunner::~ProcessRunner() = default;
+SleepWatch::~SleepWatch() = default;
 UpdaterEngine::~UpdaterEngine() = default;
 UserDefaults::~UserDefaults() = default;
 WidgetCentre::~WidgetCentre() = default;

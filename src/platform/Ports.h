@@ -7,6 +7,7 @@
 #include "platform/LoginItem.h"
 #include "platform/Notifier.h"
 #include "platform/ProcessRunner.h"
+#include "platform/SleepWatch.h"
 #include "platform/UpdaterEngine.h"
 #include "platform/UserDefaults.h"
 #include "platform/WidgetCentre.h"
@@ -25,6 +26,7 @@ struct Ports
     std::unique_ptr<LoginItem> loginItem;
     std::unique_ptr<Notifier> notifier;
     std::unique_ptr<ProcessRunner> processes;
+    std::unique_ptr<SleepWatch> sleepWatch;
     std::unique_ptr<UserDefaults> defaults;
     std::unique_ptr<WidgetCentre> widgets;
     std::unique_ptr<UpdaterEngine> updater; ///< null where the build has none

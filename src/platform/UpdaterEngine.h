@@ -12,6 +12,8 @@ class UpdaterEngine : public QObject
 public:
     ~UpdaterEngine() override;
 
+    /// To be called once, and only in a build that carries what an update needs.
+    virtual void start() = 0;
     virtual bool canCheckForUpdates() const = 0;
     virtual void checkForUpdates() = 0;
 

@@ -56,9 +56,10 @@ void UsageModel::start()
 {
     refreshAtStart(this);
     refreshPeriodically(this, m_ports.clock.get());
+    connect(m_ports.sleepWatch.get(), &SleepWatch::woke, this, [this] { refreshAndRenew(this); });
 }
 
-// Static and weak, as is the loop below: neither may keep a model alive, nor outlive one that a
+// Static and weak, as are the two below: none may keep a model alive, nor outlive one that a
 // test drops.
 QCoro::Task<> UsageModel::refreshAtStart(QPointer<UsageModel> model)
 {
@@ -67,21 +68,23 @@ QCoro::Task<> UsageModel::refreshAtStart(QPointer<UsageModel> model)
     if (!model)
         co_return;
     model->publish(model->m_history, co_await QtConcurrent::run(loadHistory, model->m_locations));
-    if (model)
-        co_await model->refresh();
-    if (model)
-        co_await model->refreshTokenIfDue();
+    co_await refreshAndRenew(model);
 }
 
 QCoro::Task<> UsageModel::refreshPeriodically(QPointer<UsageModel> model, Clock *clock)
 {
     while (model) {
         co_await clock->sleepFor(autoRefreshInterval);
-        if (model)
-            co_await model->refresh();
-        if (model)
-            co_await model->refreshTokenIfDue();
+        co_await refreshAndRenew(model);
     }
+}
+
+QCoro::Task<> UsageModel::refreshAndRenew(QPointer<UsageModel> model)
+{
+    if (model)
+        co_await model->refresh();
+    if (model)
+        co_await model->refreshTokenIfDue();
 }
 
 QCoro::Task<> UsageModel::refresh()

@@ -32,7 +32,8 @@ public:
     UsageModel(Ports &ports, ClaudeUsageAPI &api, AppUpdateChecker &updates,
                QObject *parent = nullptr);
 
-    /// Begins to refresh: at once, and then every five minutes as long as the model lives.
+    /// Begins to refresh: at once, then every five minutes and whenever the machine wakes, as
+    /// long as the model lives.
     void start();
 
     /// One refresh. Returns at once while another runs.
@@ -57,6 +58,7 @@ Q_SIGNALS:
 private:
     static QCoro::Task<> refreshAtStart(QPointer<UsageModel> model);
     static QCoro::Task<> refreshPeriodically(QPointer<UsageModel> model, Clock *clock);
+    static QCoro::Task<> refreshAndRenew(QPointer<UsageModel> model);
 
     QCoro::Task<> refreshTokenIfDue();
     QCoro::Task<> publishSnapshot(UsageSnapshot snapshot);

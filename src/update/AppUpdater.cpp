@@ -24,6 +24,7 @@ AppUpdater::AppUpdater(const Host &host, UpdaterEngine *engine)
 {
     if (!m_engine)
         return;
+    m_engine->start();
     readEngine();
     // Across threads Qt queues the call, so the views are told on the main thread in any case.
     connect(m_engine, &UpdaterEngine::canCheckForUpdatesChanged, this, &AppUpdater::readEngine);

@@ -1,5 +1,6 @@
 #include "platform/linux/DesktopNotifier.h"
 
+#include "support/PrivateBus.h"
 #include "support/Table.h"
 
 #include <QDBusArgument>
@@ -8,7 +9,6 @@
 #include <QElapsedTimer>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThreadPool>
@@ -20,36 +20,6 @@ using namespace tallyglass;
 namespace {
 
 const QString daemonConnection = QStringLiteral("notification daemon");
-
-/// A session bus of the test's own, which starts nothing by itself.
-class PrivateBus
-{
-public:
-    explicit PrivateBus(const QString &folder)
-    {
-        QFile config(folder + QStringLiteral("/bus.conf"));
-        if (!config.open(QIODevice::WriteOnly))
-            return;
-        config.write("<busconfig><type>session</type><listen>unix:path=" + folder.toUtf8()
-                     + "/bus</listen><policy context=\"default\"><allow send_destination=\"*\"/>"
-                       "<allow receive_sender=\"*\"/><allow own=\"*\"/></policy></busconfig>");
-        config.close();
-        m_process.start(QStringLiteral("dbus-daemon"),
-                        {QStringLiteral("--config-file=") + config.fileName(),
-                         QStringLiteral("--nofork"), QStringLiteral("--print-address")});
-        m_process.waitForReadyRead(); // its address: now it listens
-    }
-    PrivateBus(const PrivateBus &) = delete;
-    PrivateBus &operator=(const PrivateBus &) = delete;
-    ~PrivateBus()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-
-private:
-    QProcess m_process;
-};
 
 /// Shows nothing, but remembers what it was to show.
 class FakeDaemon : public QDBusVirtualObject
@@ -121,7 +91,7 @@ private Q_SLOTS:
 
     void isShown()
     {
-        const PrivateBus bus(m_folder.path());
+        const test::PrivateBus bus(m_folder.path());
         FakeDaemon daemon(address());
         DesktopNotifier notifier;
         notifier.requestPermission();
@@ -158,7 +128,7 @@ private Q_SLOTS:
     void theBodyIsPlainText()
     {
         const auto row = test::currentRow<BodyRow>();
-        const PrivateBus bus(m_folder.path());
+        const test::PrivateBus bus(m_folder.path());
         qunsetenv("DBUS_SESSION_BUS_ADDRESS"); // the bus is where logins put it
         FakeDaemon daemon(address());
         daemon.capabilities = row.capabilities;
@@ -170,7 +140,7 @@ private Q_SLOTS:
 
     void aDaemonThatNeverAnswersHoldsNothingUp()
     {
-        const PrivateBus bus(m_folder.path());
+        const test::PrivateBus bus(m_folder.path());
         FakeDaemon daemon(address());
         daemon.isSilent = true;
         QElapsedTimer time;
@@ -188,7 +158,7 @@ private Q_SLOTS:
     {
         DesktopNotifier notifier;
         for (int i = 0; i < 2; ++i) {
-            const PrivateBus bus(m_folder.path());
+            const test::PrivateBus bus(m_folder.path());
             FakeDaemon daemon(address());
             notifier.post(notification);
             QTRY_COMPARE(daemon.shown.size(), 1);
@@ -214,7 +184,7 @@ private Q_SLOTS:
         QLocalServer stubborn;
         if (row.state == BusState::Silent)
             QVERIFY(stubborn.listen(socket()));
-        std::optional<PrivateBus> bus;
+        std::optional<test::PrivateBus> bus;
         if (row.state == BusState::WithoutDaemon)
             bus.emplace(m_folder.path());
 

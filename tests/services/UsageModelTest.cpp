@@ -41,6 +41,14 @@ struct Machine
                         QFile::FileModificationTime);
     }
 
+    /// Lets a refresh end, and the check of the token that follows it.
+    void settle()
+    {
+        QTRY_VERIFY(!model.isRefreshing());
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
+    }
+
     WindowUsageSummary window(UsageWindowKind kind) const
     {
         return model.snapshot().summary(kind, fake.clock.now(), fake.clock.zone());
@@ -117,7 +125,7 @@ private Q_SLOTS:
         QCOMPARE(machine.fake.http.requests.size(), std::size_t{1});
     }
 
-    void refreshesAtStartAndEveryFiveMinutes()
+    void refreshesAtStartEveryFiveMinutesAndOnWaking()
     {
         Machine machine;
         machine.model.start();
@@ -138,6 +146,11 @@ private Q_SLOTS:
         QTRY_COMPARE(machine.fake.http.requests.size(), std::size_t{3});
         QTRY_COMPARE(machine.fake.clock.sleepers(), std::size_t{1});
         QCOMPARE(machine.fake.http.requests.size(), std::size_t{3});
+
+        machine.fake.clock.advance(61s); // or the endpoint is not asked again
+        Q_EMIT machine.fake.sleepWatch.woke();
+        QTRY_COMPARE(machine.fake.http.requests.size(), std::size_t{4});
+        machine.settle();
     }
 
     void renewsATokenThatExpiresSoon_data()
@@ -163,14 +176,8 @@ private Q_SLOTS:
 
         auto &jobs = machine.fake.processes.jobs;
         machine.model.start();
-        // A refresh has begun the check of the token by the time it is seen to end.
-        const auto settle = [&machine] {
-            QTRY_VERIFY(!machine.model.isRefreshing());
-            QThreadPool::globalInstance()->waitForDone();
-            QCoreApplication::processEvents();
-        };
         QTRY_VERIFY(machine.fake.widgets.reloads > 0);
-        settle();
+        machine.settle();
         QCOMPARE(jobs.size(), row.runs);
         if (row.runs == 0)
             return;
@@ -181,12 +188,12 @@ private Q_SLOTS:
                                   .workingFolder = machine.home.path(QStringLiteral("tmp")),
                                   .deadline = 90s};
         QVERIFY(jobs.front() == expected);
-        settle();
+        machine.settle();
 
         // Not again within half an hour, whatever came of it.
         machine.fake.clock.advance(1'799s);
         QVERIFY(machine.model.isRefreshing());
-        settle();
+        machine.settle();
         QCOMPARE(jobs.size(), row.runs);
     }
 };

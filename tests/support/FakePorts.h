@@ -79,6 +79,10 @@ public:
     int reloads = 0;
 };
 
+class FakeSleepWatch final : public SleepWatch
+{
+};
+
 /// A whole machine of fakes. The references stay valid as long as the ports live.
 struct FakePorts
 {
@@ -89,6 +93,7 @@ struct FakePorts
         , loginItem(*new FakeLoginItem)
         , notifier(*new FakeNotifier)
         , processes(*new FakeProcessRunner)
+        , sleepWatch(*new FakeSleepWatch)
         , defaults(*new FakeUserDefaults)
         , widgets(*new FakeWidgetCentre)
     {
@@ -103,6 +108,7 @@ struct FakePorts
         ports.loginItem.reset(&loginItem);
         ports.notifier.reset(&notifier);
         ports.processes.reset(&processes);
+        ports.sleepWatch.reset(&sleepWatch);
         ports.defaults.reset(&defaults);
         ports.widgets.reset(&widgets);
     }
@@ -114,6 +120,7 @@ struct FakePorts
     FakeLoginItem &loginItem;
     FakeNotifier &notifier;
     FakeProcessRunner &processes;
+    FakeSleepWatch &sleepWatch;
     FakeUserDefaults &defaults;
     FakeWidgetCentre &widgets;
 };

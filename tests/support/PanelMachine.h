@@ -21,6 +21,7 @@ namespace tallyglass::test {
 class FakeUpdaterEngine final : public UpdaterEngine
 {
 public:
+    void start() override { }
     bool canCheckForUpdates() const override { return true; }
     void checkForUpdates() override { ++checks; }
 

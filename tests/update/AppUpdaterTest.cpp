@@ -19,6 +19,7 @@ struct ConfigurationRow
 class FakeEngine final : public UpdaterEngine
 {
 public:
+    void start() override { ++starts; }
     bool canCheckForUpdates() const override { return canCheck; }
     void checkForUpdates() override
     {
@@ -32,6 +33,7 @@ public:
     }
 
     bool canCheck = true;
+    int starts = 0;
     int checks = 0;
 };
 
@@ -70,6 +72,7 @@ private Q_SLOTS:
         FakeEngine engine;
         AppUpdater updater(host, &engine);
         QCOMPARE(updater.isConfigured(), row.isConfigured);
+        QCOMPARE(engine.starts, row.isConfigured ? 1 : 0);
         QCOMPARE(updater.canCheckForUpdates(), row.isConfigured);
         updater.checkForUpdates();
         QCOMPARE(engine.checks, row.isConfigured ? 1 : 0);

@@ -1,8 +1,10 @@
+#include "platform/NoKeychain.h"
 #include "platform/Ports.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/ConfigFolder.h"
 #include "platform/linux/DeathSignal.h"
 #include "platform/linux/DesktopNotifier.h"
+#include "platform/linux/LogindSleepWatch.h"
 #include "platform/linux/SettingsFile.h"
 #include "platform/qt/ProcessGroupRunner.h"
 #include "platform/qt/QtHttpClient.h"
@@ -14,16 +16,6 @@
 namespace tallyglass {
 
 namespace {
-
-/// The command-line tools keep their secrets in files here.
-class NoKeychain final : public Keychain
-{
-public:
-    std::optional<QByteArray> genericPassword(const QString & /*service*/) const override
-    {
-        return std::nullopt;
-    }
-};
 
 class NoWidgetCentre final : public WidgetCentre
 {
@@ -52,6 +44,7 @@ Ports makePorts(const QString &homeFolder)
     const QString config = configFolder(homeFolder);
     ports.clock = std::make_unique<SystemClock>();
     ports.http = std::make_unique<QtHttpClient>();
+    // The command-line tools keep their secrets in files here.
     ports.keychain = std::make_unique<NoKeychain>();
     ports.loginItem = std::make_unique<AutostartEntry>(
         AutostartEntry::Places{.configFolder = config,
@@ -59,6 +52,7 @@ Ports makePorts(const QString &homeFolder)
                                .searchPath = ports.host.searchPath});
     ports.notifier = std::make_unique<DesktopNotifier>();
     ports.processes = std::make_unique<ProcessGroupRunner>(dieWithThisProcess());
+    ports.sleepWatch = std::make_unique<LogindSleepWatch>();
     ports.defaults = std::make_unique<SettingsFile>(config + QStringLiteral("/Tallyglass.conf"));
     ports.widgets = std::make_unique<NoWidgetCentre>();
     return ports;
