@@ -4,6 +4,7 @@
 #include "model/DisplayTexts.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 
 #include <cstdio>
@@ -44,13 +45,13 @@ int run(const command::Report &report)
     return runReport(report, Host{.homeFolder = home.path()}, currentInstant());
 }
 
-/// Becomes the application, a program of its own beside this one: a report must not wait for the
+/// Becomes the application, a program of its own near this one: a report must not wait for the
 /// libraries of windows to load. Returns only when that is missing.
 int becomeApplication(int argc, char *argv[])
 {
     const QCoreApplication self(argc, argv); // knows where it is
-    const QString program =
-        QCoreApplication::applicationDirPath() + QStringLiteral("/tallyglass-app");
+    const QString program = QDir::cleanPath(QCoreApplication::applicationDirPath()
+                                            + QStringLiteral("/" TALLYGLASS_APPLICATION));
     execv(QFile::encodeName(program).constData(), argv);
     printLine(stderr,
               QStringLiteral("tallyglass: ") + formatText("command.noProgram.format", {program}));

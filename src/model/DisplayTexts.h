@@ -118,6 +118,8 @@ inline constexpr std::array displayTexts{
         "ウィジェットは本アプリが書き出したデータを表示するため、アプリ終了中は更新されません。"
         "ログイン時の自動起動を有効にしておくことを推奨します。"},
     DisplayText{"settings.launchAtLogin", "ログイン時に自動起動"},
+    DisplayText{"settings.launchAtLogin.needsApproval",
+                "システム設定の「ログイン項目」で Tallyglass を許可してください"},
     DisplayText{"alerts.enable", "使用量がしきい値に達したら通知"},
     DisplayText{"alerts.threshold.format", "しきい値 %@"},
     DisplayText{"alerts.body", "%1$@ の使用量が %2$@ に達しました"},

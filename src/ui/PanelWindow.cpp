@@ -31,6 +31,8 @@ QRect availableAround(const QRect &icon)
 PanelWindow::PanelWindow(QQmlEngine &engine, const QUrl &content, const QVariantMap &properties)
     : QQuickView(&engine, nullptr)
 {
+    if (dropDownRadius() > 0)
+        setColor(Qt::transparent); // of what is cut off at the corners
     setIcon(appIcon());
     setTitle(QCoreApplication::applicationName());
     setInitialProperties(properties);
@@ -79,6 +81,7 @@ void PanelWindow::fitContent(int largestHeight)
     root->resetWidth();
     root->resetHeight();
     root->setProperty("largestHeight", largestHeight);
+    root->setProperty("radius", m_dropsDown ? dropDownRadius() : 0);
     const QSize wanted = root->size().toSize();
     setResizeMode(m_dropsDown ? SizeViewToRootObject : SizeRootObjectToView);
     // The view would follow in a moment, while the window manager already places it.

@@ -13,7 +13,8 @@ class PanelWindow : public QQuickView
     Q_OBJECT
 
 public:
-    /// \a content is what the window shows. Its "largestHeight" is told to it at each opening.
+    /// \a content is what the window shows. Its "largestHeight" and "radius" are told to it at each
+    /// opening.
     PanelWindow(QQmlEngine &engine, const QUrl &content, const QVariantMap &properties);
 
     void openAt(const QRect &icon);

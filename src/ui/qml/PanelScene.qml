@@ -31,6 +31,7 @@ Rectangle {
 
     Rectangle {
         anchors.fill: parent
+        radius: root.radius
         color: "transparent"
         border.color: Theme.separator
     }

@@ -1,0 +1,149 @@
+#include "platform/macos/StatusItem.h"
+
+#include "model/DisplayTexts.h"
+
+#import <AppKit/AppKit.h>
+#include <functional>
+#include <utility>
+#include <vector>
+
+/// What the item and the lines of its menu call.
+@interface TGStatusItemTarget : NSObject
+
+- (void)setClickHandler:(std::function<void()>)handler;
+- (NSMenuItem *)menuItemWithTitle:(NSString *)title handler:(std::function<void()>)handler;
+- (void)click:(id)sender;
+- (void)choose:(NSMenuItem *)sender;
+
+@end
+
+@implementation TGStatusItemTarget {
+    std::function<void()> _clickHandler;
+    std::vector<std::function<void()>> _menuHandlers; // the place of each is its item's tag
+}
+
+- (void)setClickHandler:(std::function<void()>)handler
+{
+    _clickHandler = std::move(handler);
+}
+
+- (NSMenuItem *)menuItemWithTitle:(NSString *)title handler:(std::function<void()>)handler
+{
+    NSMenuItem *item = [[NSMenuItem alloc] initWithTitle:title
+                                                  action:@selector(choose:)
+                                           keyEquivalent:@""];
+    item.target = self;
+    item.tag = static_cast<NSInteger>(_menuHandlers.size());
+    _menuHandlers.push_back(std::move(handler));
+    return item;
+}
+
+- (void)click:(id)sender
+{
+    _clickHandler();
+}
+
+- (void)choose:(NSMenuItem *)sender
+{
+    _menuHandlers[static_cast<std::size_t>(sender.tag)]();
+}
+
+@end
+
+namespace tallyglass {
+
+namespace {
+
+constexpr int pixelsPerPoint = 2; // of the drawn mask
+
+NSImage *templateImage(const MenuBarIcon &icon)
+{
+    NSImage *image = [NSImage imageWithSystemSymbolName:icon.symbol.toNSString()
+                               accessibilityDescription:@"Tallyglass"];
+    if (!image) {
+        const CGImageRef drawn = icon.mask.toCGImage();
+        image = [[NSImage alloc]
+            initWithCGImage:drawn
+                       size:NSMakeSize(static_cast<CGFloat>(icon.mask.width()) / pixelsPerPoint,
+                                       static_cast<CGFloat>(icon.mask.height()) / pixelsPerPoint)];
+        CGImageRelease(drawn);
+        image.accessibilityDescription = @"Tallyglass";
+    }
+    [image setTemplate:YES]; // the property's name is a word of C++
+    return image;
+}
+
+bool asksForMenu(NSEvent *event)
+{
+    return event.type == NSEventTypeRightMouseDown
+        || (event.modifierFlags & NSEventModifierFlagControl) != 0;
+}
+
+} // namespace
+
+StatusItem::StatusItem(const MenuBarIcon &icon)
+    : m_item([NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength])
+    , m_menu([[NSMenu alloc] init])
+    , m_target([[TGStatusItemTarget alloc] init])
+{
+    [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; // no Dock icon
+
+    const auto add = [this](TextKey text, void (MenuBarItem::*signal)()) {
+        [m_menu addItem:[m_target menuItemWithTitle:displayText(text).toNSString()
+                                            handler:[this, signal] { Q_EMIT(this->*signal)(); }]];
+    };
+    add("menu.open", &MenuBarItem::openChosen);
+    add("common.refresh", &MenuBarItem::refreshChosen);
+    add("common.settings", &MenuBarItem::settingsChosen);
+    [m_menu addItem:NSMenuItem.separatorItem];
+    add("common.exit", &MenuBarItem::quitChosen);
+
+    [m_target setClickHandler:[this] { react(); }];
+    NSStatusBarButton *button = m_item.button;
+    button.image = templateImage(icon);
+    button.target = m_target;
+    button.action = @selector(click:);
+    [button sendActionOn:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown];
+}
+
+StatusItem::~StatusItem()
+{
+    [NSStatusBar.systemStatusBar removeStatusItem:m_item];
+}
+
+bool StatusItem::isShown() const
+{
+    return m_item.visible;
+}
+
+QRect StatusItem::place() const
+{
+    NSWindow *window = m_item.button.window;
+    NSScreen *first = NSScreen.screens.firstObject;
+    if (!window || !first)
+        return {};
+    // Counted from the lower left corner of the first screen there, from the upper left one here.
+    const NSRect frame = window.frame;
+    return QRectF(NSMinX(frame), NSMaxY(first.frame) - NSMaxY(frame), NSWidth(frame),
+                  NSHeight(frame))
+        .toRect();
+}
+
+void StatusItem::setToolTip(const QString &text)
+{
+    m_item.button.toolTip = text.toNSString();
+}
+
+void StatusItem::react()
+{
+    if (!asksForMenu(NSApp.currentEvent)) {
+        Q_EMIT clicked();
+        return;
+    }
+    // An item that has a menu opens it on every click, so it has one for this click only.
+    m_item.menu = m_menu;
+    [m_item.button performClick:nil];
+    m_item.menu = nil;
+}
+
+} // namespace tallyglass
