@@ -142,6 +142,12 @@ void SettingsViewModel::setLaunchAtLogin(bool enabled)
     Q_EMIT loginItemChanged(); // also after a failure: the switch goes back to what holds
 }
 
+QString SettingsViewModel::launchAtLoginError() const
+{
+    return m_launchAtLoginError.isEmpty() ? m_ports.loginItem->pendingStep().value_or(QString())
+                                          : m_launchAtLoginError;
+}
+
 QString SettingsViewModel::dataFolderText() const
 {
     return formatText("settings.data.format",

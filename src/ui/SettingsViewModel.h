@@ -65,8 +65,9 @@ public:
 
     bool launchAtLogin() const;
     void setLaunchAtLogin(bool enabled);
-    /// The system's own words about the last attempt; empty when it succeeded.
-    const QString &launchAtLoginError() const { return m_launchAtLoginError; }
+    /// The system's own words about the last attempt when it failed, else what the user still has
+    /// to do; empty when there is neither.
+    QString launchAtLoginError() const;
 
     QString dataFolderText() const;
 

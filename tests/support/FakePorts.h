@@ -27,6 +27,7 @@ class FakeLoginItem final : public LoginItem
 {
 public:
     bool isEnabled() const override { return enabled; }
+    std::optional<QString> pendingStep() const override { return std::nullopt; }
     std::optional<QString> setEnabled(bool value) override
     {
         if (!refusal)

@@ -22,6 +22,7 @@ public:
     explicit AutostartEntry(Places places);
 
     bool isEnabled() const override;
+    std::optional<QString> pendingStep() const override { return std::nullopt; }
     std::optional<QString> setEnabled(bool enabled) override;
 
 private:

@@ -10,6 +10,7 @@ class MacLoginItem final : public LoginItem
 {
 public:
     bool isEnabled() const override;
+    std::optional<QString> pendingStep() const override;
     std::optional<QString> setEnabled(bool enabled) override;
 };
 

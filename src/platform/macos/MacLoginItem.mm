@@ -8,38 +8,38 @@ namespace tallyglass {
 
 namespace {
 
-bool needsApproval()
+bool hasStatus(SMAppServiceStatus status)
 {
-    return SMAppService.mainAppService.status == SMAppServiceStatusRequiresApproval;
-}
-
-std::optional<QString> describe(NSError *error)
-{
-    return QString::fromNSString(error.localizedDescription);
+    return SMAppService.mainAppService.status == status;
 }
 
 } // namespace
 
 bool MacLoginItem::isEnabled() const
 {
-    return SMAppService.mainAppService.status == SMAppServiceStatusEnabled;
+    return hasStatus(SMAppServiceStatusEnabled);
+}
+
+std::optional<QString> MacLoginItem::pendingStep() const
+{
+    if (!hasStatus(SMAppServiceStatusRequiresApproval))
+        return std::nullopt;
+    return displayText("settings.launchAtLogin.needsApproval");
 }
 
 std::optional<QString> MacLoginItem::setEnabled(bool enabled)
 {
+    SMAppService *service = SMAppService.mainAppService;
     NSError *error = nil;
-    if (!enabled)
-        return [SMAppService.mainAppService unregisterAndReturnError:&error] ? std::nullopt
-                                                                             : describe(error);
-
-    // Whoever has switched it off in the system settings can switch it on only there; registering
-    // then fails as well, with a text that does not say so.
-    const bool isRegistered = [SMAppService.mainAppService registerAndReturnError:&error];
-    if (needsApproval()) {
+    const bool isDone = enabled ? [service registerAndReturnError:&error]
+                                : [service unregisterAndReturnError:&error];
+    // What was switched off in the system settings can only be switched on there. Registering then
+    // fails, with a text that does not say so.
+    if (enabled && hasStatus(SMAppServiceStatusRequiresApproval)) {
         [SMAppService openSystemSettingsLoginItems];
-        return displayText("settings.launchAtLogin.needsApproval");
+        return std::nullopt;
     }
-    return isRegistered ? std::nullopt : describe(error);
+    return isDone ? std::nullopt : std::optional{QString::fromNSString(error.localizedDescription)};
 }
 
 } // namespace tallyglass
