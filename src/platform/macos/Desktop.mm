@@ -1,5 +1,6 @@
 #include "platform/Desktop.h"
 
+#include "platform/macos/NativeWindows.h"
 #include "platform/macos/OutsideClicks.h"
 #include "platform/macos/StatusItem.h"
 
@@ -26,6 +27,8 @@ int dropDownRadius()
 
 void becomeDropDown(QWindow &window)
 {
+    if (!drawsNatively())
+        return;
     NSView *view = (__bridge NSView *)reinterpret_cast<void *>(window.winId());
     NSWindow *panel = view.window;
     if ([panel isKindOfClass:NSPanel.class])

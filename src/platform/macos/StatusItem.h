@@ -22,7 +22,7 @@ public:
 private:
     void react();
 
-    NSStatusItem *m_item;
+    NSStatusItem *m_item; ///< nil where nothing is drawn by the system
     NSMenu *m_menu;
     TGStatusItemTarget *m_target; ///< the item and the menu do not keep it
 };

@@ -1,6 +1,7 @@
 #include "platform/macos/StatusItem.h"
 
 #include "model/DisplayTexts.h"
+#include "platform/macos/NativeWindows.h"
 
 #import <AppKit/AppKit.h>
 #include <functional>
@@ -82,7 +83,9 @@ bool asksForMenu(NSEvent *event)
 } // namespace
 
 StatusItem::StatusItem(const MenuBarIcon &icon)
-    : m_item([NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength])
+    : m_item(drawsNatively()
+                 ? [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength]
+                 : nil)
     , m_menu([[NSMenu alloc] init])
     , m_target([[TGStatusItemTarget alloc] init])
 {
@@ -108,7 +111,8 @@ StatusItem::StatusItem(const MenuBarIcon &icon)
 
 StatusItem::~StatusItem()
 {
-    [NSStatusBar.systemStatusBar removeStatusItem:m_item];
+    if (m_item)
+        [NSStatusBar.systemStatusBar removeStatusItem:m_item];
 }
 
 bool StatusItem::isShown() const
