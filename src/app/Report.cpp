@@ -33,7 +33,7 @@ TableStyle styleOfStandardOutput()
 
 void showProgress(const CollectionProgress &progress)
 {
-    constexpr std::int64_t mebibyte = 1024 * 1024;
+    constexpr std::int64_t mebibyte = std::int64_t{1024} * 1024;
     const QString line = formatText("report.progress.format",
                                     {QString::number(progress.bytesRead / mebibyte),
                                      QString::number(progress.bytesFound / mebibyte)});

@@ -40,10 +40,10 @@ bool isPrivate(const QString &folder)
 QString runtimeFolder()
 {
     // A program run for another user may inherit the variable, hence the look at the owner.
-    const QString given = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QString given = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (isPrivate(given))
         return given;
-    const QString made = QDir::tempPath() + QStringLiteral("/tallyglass-%1").arg(geteuid());
+    QString made = QDir::tempPath() + QStringLiteral("/tallyglass-%1").arg(geteuid());
     mkdir(QFile::encodeName(made).constData(), S_IRWXU);
     return isPrivate(made) ? made : QString();
 }

@@ -47,7 +47,7 @@ int run(const command::Report &report)
 
 /// Becomes the application, a program of its own near this one: a report must not wait for the
 /// libraries of windows to load. Returns only when that is missing.
-int becomeApplication(int argc, char *argv[])
+int becomeApplication(int argc, char **argv)
 {
     const QCoreApplication self(argc, argv); // knows where it is
     const QString program = QDir::cleanPath(QCoreApplication::applicationDirPath()
@@ -60,7 +60,7 @@ int becomeApplication(int argc, char *argv[])
 
 } // namespace
 
-int main(int argc, char *argv[])
+int main(int argc, char **argv)
 {
     QStringList words;
     for (int i = 1; i < argc; ++i)

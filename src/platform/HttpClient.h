@@ -30,7 +30,7 @@ struct HttpReply
 };
 
 /// Answers asked for here are a few kilobytes; no server may fill the memory.
-inline constexpr qint64 largestHttpBody = 1024 * 1024; // bytes
+inline constexpr qint64 largestHttpBody = qint64{1024} * 1024; // bytes
 
 class HttpClient
 {

@@ -74,10 +74,11 @@ std::vector<CLIInstallStatus> detectAll(const Host &host)
             .dataPath = host.homeFolder + QStringLiteral("/.") + name,
             .installHint = installHint(provider),
         };
-        if (provider == UsageProvider::Claude)
+        if (provider == UsageProvider::Claude) {
             status.integrationHint = claudeBridgeConfigured(host)
                 ? displayText("cli.claude.bridgeReady")
                 : displayText("cli.claude.bridgeMissing");
+        }
         statuses.push_back(std::move(status));
     }
     return statuses;

@@ -17,10 +17,11 @@ namespace {
 QString alertMark(const ProviderUsageSummary &provider, double threshold)
 {
     qint64 reset = 0;
-    if (provider.rateLimit && provider.rateLimit->resetDate)
+    if (provider.rateLimit && provider.rateLimit->resetDate) {
         reset = std::chrono::floor<std::chrono::seconds>(*provider.rateLimit->resetDate)
                     .time_since_epoch()
                     .count();
+    }
     return QStringLiteral("alerted.%1.%2.%3")
         .arg(rawValue(provider.provider))
         .arg(reset)

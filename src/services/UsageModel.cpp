@@ -161,12 +161,13 @@ QCoro::Task<> UsageModel::refreshClaudeToken()
         co_return;
     const auto claude =
         std::ranges::find(m_cliStatuses, UsageProvider::Claude, &CLIInstallStatus::provider);
-    if (claude == m_cliStatuses.end() || !claude->detectedPath)
+    const auto program = claude != m_cliStatuses.end() ? claude->detectedPath : std::nullopt;
+    if (!program)
         co_return;
 
     // Any request makes the tool renew its token; this is the smallest to the smallest model.
     ProcessJob job{
-        .program = *claude->detectedPath,
+        .program = *program,
         .arguments = {QStringLiteral("-p"), QStringLiteral("ping"), QStringLiteral("--model"),
                       QStringLiteral("haiku")},
         .workingFolder = m_ports.host.temporaryFolder,

@@ -14,7 +14,7 @@ bool isDigit(QChar character)
 /// Cuts the digits off the front of a text and gives them without their leading zeros.
 QStringView takeNumber(QStringView &text)
 {
-    const auto *const end = std::find_if_not(text.begin(), text.end(), isDigit);
+    const auto *const end = std::ranges::find_if_not(text, isDigit);
     const auto *const start =
         std::find_if(text.begin(), end, [](QChar digit) { return digit != u'0'; });
     const QStringView number(start, end);

@@ -22,7 +22,7 @@ std::optional<QString> writeWhole(const QString &path, const QByteArray &content
         return file.errorString();
     // On a full disk commit() succeeds with half a file, so that is looked at before.
     if (file.write(content) != content.size() || !file.flush() || file.size() != content.size()) {
-        const QString error = file.errorString();
+        QString error = file.errorString();
         file.cancelWriting();
         return error;
     }

@@ -8,7 +8,7 @@ namespace tallyglass {
 
 namespace {
 
-constexpr qint64 largestEntry = 64 * 1024; // bytes; real ones have a few hundred
+constexpr qint64 largestEntry = qint64{64} * 1024; // bytes; real ones have a few hundred
 
 /// The keys of the group that matters.
 std::optional<QHash<QString, QString>> readKeys(const QString &path)

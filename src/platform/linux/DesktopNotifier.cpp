@@ -27,7 +27,7 @@ QDBusConnection connectedBus()
     // One at a time: Qt dies of a connection that is made and dropped by two threads at once.
     static QMutex mutex;
     const QMutexLocker lock(&mutex);
-    const QDBusConnection known(connectionName);
+    QDBusConnection known(connectionName);
     if (known.isConnected() || !hasBus())
         return known;
     QDBusConnection::disconnectFromBus(connectionName);

@@ -11,7 +11,7 @@ namespace tallyglass {
 
 namespace {
 
-constexpr char section[] = "[General]\n";
+const QByteArray section = "[General]\n";
 
 bool read(QIODevice &device, QSettings::SettingsMap &settings)
 {

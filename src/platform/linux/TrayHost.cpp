@@ -8,6 +8,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVariant>
+#include <QTimer>
 
 #include <functional>
 
@@ -64,7 +65,7 @@ public:
         const auto type = static_cast<const xcb_generic_event_t *>(message)->response_type;
         if ((type & ~sentBySomebody) == XCB_CLIENT_MESSAGE
             && static_cast<const xcb_client_message_event_t *>(message)->type == m_announcement)
-            QMetaObject::invokeMethod(this, m_callBack, Qt::QueuedConnection);
+            QTimer::singleShot(0, this, m_callBack);
         return false;
     }
 

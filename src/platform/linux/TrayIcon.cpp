@@ -7,8 +7,8 @@
 
 namespace tallyglass {
 
-TrayIcon::TrayIcon(const QIcon &picture)
-    : m_picture(picture)
+TrayIcon::TrayIcon(QIcon picture)
+    : m_picture(std::move(picture))
 {
     connect(m_menu.addAction(displayText("menu.open")), &QAction::triggered, this,
             &TrayIcon::openChosen);

@@ -14,7 +14,7 @@ namespace tallyglass {
 class TrayIcon final : public MenuBarItem
 {
 public:
-    explicit TrayIcon(const QIcon &picture);
+    explicit TrayIcon(QIcon picture);
 
     bool isShown() const override;
     QRect place() const override;
