@@ -63,7 +63,7 @@ private Q_SLOTS:
         QVERIFY(ports.loginItem->isEnabled());
         QVERIFY(QFileInfo::exists(home.filePath(QStringLiteral(".config/Tallyglass.conf"))));
         QVERIFY(contentOf(home.filePath(QStringLiteral(".config/autostart/tallyglass.desktop")))
-                    .contains(QCoreApplication::applicationFilePath().toUtf8()));
+                    .contains(QCoreApplication::applicationDirPath().toUtf8() + "/tallyglass\""));
         QVERIFY(!ports.keychain->genericPassword(QStringLiteral("any")));
         QVERIFY(!ports.updater);
     }

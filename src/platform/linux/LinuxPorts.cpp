@@ -46,10 +46,11 @@ Ports makePorts(const QString &homeFolder)
     ports.http = std::make_unique<QtHttpClient>();
     // The command-line tools keep their secrets in files here.
     ports.keychain = std::make_unique<NoKeychain>();
-    ports.loginItem = std::make_unique<AutostartEntry>(
-        AutostartEntry::Places{.configFolder = config,
-                               .program = QCoreApplication::applicationFilePath(),
-                               .searchPath = ports.host.searchPath});
+    // Not this program but the command beside it, which desktops write when they add an entry.
+    ports.loginItem = std::make_unique<AutostartEntry>(AutostartEntry::Places{
+        .configFolder = config,
+        .program = QCoreApplication::applicationDirPath() + QStringLiteral("/tallyglass"),
+        .searchPath = ports.host.searchPath});
     ports.notifier = std::make_unique<DesktopNotifier>();
     ports.processes = std::make_unique<ProcessGroupRunner>(dieWithThisProcess());
     ports.sleepWatch = std::make_unique<LogindSleepWatch>();
