@@ -5,6 +5,9 @@
 #include "support/Table.h"
 #include "support/TestData.h"
 
+#include <QCoreApplication>
+#include <QProcess>
+
 using namespace tallyglass;
 using namespace std::chrono_literals;
 
@@ -122,6 +125,28 @@ private Q_SLOTS:
         lantern.host.buildVersion = QString::fromUtf8(row.buildVersion);
         lantern.publish(row.feed);
         QVERIFY(lantern.check() == row.answer);
+    }
+
+    void offersWhatIsPackaged()
+    {
+        QProcess packaging;
+        packaging.start(QStringLiteral(TG_PACKAGING "/make-feed"),
+                        {QCoreApplication::applicationFilePath(), QStringLiteral("--version"),
+                         QStringLiteral(TG_VERSION), QStringLiteral("--build"),
+                         QStringLiteral("130"), QStringLiteral("--folder"),
+                         QStringLiteral("https://lantern.example/files/")});
+        QVERIFY(packaging.waitForFinished());
+        QCOMPARE(packaging.readAllStandardError(), QByteArray());
+
+        Fixture lantern;
+        lantern.http.replies.push_back({200, packaging.readAllStandardOutput()});
+        const AppUpdateInfo offer = lantern.check().value();
+        QCOMPARE(offer.version, QStringLiteral(TG_VERSION));
+        QCOMPARE(offer.build, QStringLiteral("130"));
+        QCOMPARE(offer.appcastURL,
+                 QUrl(QStringLiteral("https://lantern.example/files/update_AppUpdateCheckerTest")));
+        QVERIFY(offer.releaseNotes.value().contains(QStringLiteral("\n• ")));
+        QVERIFY(!offer.releaseNotes->contains(u'<'));
     }
 
     void aFailureKeepsTheAnswer_data()
