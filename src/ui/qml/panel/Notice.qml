@@ -39,6 +39,7 @@ Rectangle {
             Text {
                 Layout.fillWidth: true
                 text: root.title
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.bodySize
                 font.weight: Font.DemiBold
@@ -48,6 +49,7 @@ Rectangle {
             Text {
                 Layout.fillWidth: true
                 text: root.body
+                textFormat: Text.PlainText
                 color: Theme.secondaryText
                 font.pixelSize: Theme.captionSize
                 wrapMode: Text.Wrap

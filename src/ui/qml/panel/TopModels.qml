@@ -39,6 +39,7 @@ ColumnLayout {
                 objectName: "modelName"
                 Layout.fillWidth: true
                 text: entry.modelData.name
+                textFormat: Text.PlainText
                 color: Theme.text
                 font.pixelSize: Theme.captionSize
                 elide: Text.ElideMiddle
