@@ -35,10 +35,10 @@ std::optional<std::int64_t> wholeNumber(const QString &written)
 
 } // namespace
 
-BudgetField::BudgetField(const StorageLocations &locations, UsageProvider provider,
-                         UsageWindowKind window, QObject *parent)
+BudgetField::BudgetField(StorageLocations locations, UsageProvider provider, UsageWindowKind window,
+                         QObject *parent)
     : QObject(parent)
-    , m_locations(locations)
+    , m_locations(std::move(locations))
     , m_provider(provider)
     , m_window(window)
 {

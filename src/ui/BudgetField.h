@@ -19,7 +19,7 @@ class BudgetField : public QObject
     Q_PROPERTY(QString text READ text NOTIFY textChanged FINAL)
 
 public:
-    BudgetField(const StorageLocations &locations, UsageProvider provider, UsageWindowKind window,
+    BudgetField(StorageLocations locations, UsageProvider provider, UsageWindowKind window,
                 QObject *parent = nullptr);
 
     /// For those who cannot see which row and column it is in: "Codex 5h".

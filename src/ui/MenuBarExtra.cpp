@@ -30,7 +30,7 @@ constexpr QSize smallestSettings(420, 240);
 
 QUrl qmlFile(const char *name)
 {
-    return QUrl(QStringLiteral("qrc:/qt/qml/Tallyglass/qml/") + QString::fromLatin1(name));
+    return {QStringLiteral("qrc:/qt/qml/Tallyglass/qml/") + QString::fromLatin1(name)};
 }
 
 } // namespace
@@ -66,11 +66,12 @@ void MenuBarExtra::openWithoutTray()
 
 void MenuBarExtra::openPanel()
 {
-    if (!m_panel)
+    if (!m_panel) {
         m_panel = std::make_unique<PanelWindow>(
             engine(), qmlFile("PanelScene.qml"),
             QVariantMap{{QStringLiteral("extra"), QVariant::fromValue(this)},
                         {QStringLiteral("viewModel"), QVariant::fromValue(&m_panelViewModel)}});
+    }
     m_panelViewModel.update();
     if (m_item->isShown())
         m_panel->openAt(m_item->place());

@@ -23,10 +23,10 @@ class Sketch
 {
 public:
     explicit Sketch(double pixels)
-        : m_strokePixels(std::max(1.0, std::round(strokeUnits * pixels / gridSize - 0.2)))
+        : m_pixels(std::floor(pixels))
+        , m_strokePixels(std::max(1.0, std::round(strokeUnits * pixels / gridSize - 0.2)))
     {
         // As odd as the stroke, or the line in the middle would fall between two pixels.
-        m_pixels = std::floor(pixels);
         if (std::fmod(m_pixels - m_strokePixels, 2) != 0)
             m_pixels -= 1;
     }
@@ -114,8 +114,8 @@ private:
         m_region.addPath(stroked(path, m_strokePixels));
     }
 
-    double m_strokePixels;
     double m_pixels;
+    double m_strokePixels;
     QPainterPath m_region;
 };
 
