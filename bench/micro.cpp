@@ -7,9 +7,9 @@
 #include "collect/TextScan.h"
 #include "model/SnapshotBuilder.h"
 
-#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTimeZone>
+#include <simdjson.h>
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -108,7 +108,7 @@ Logs makeLogs()
         }
     }
     const std::size_t size = logs.padded.size();
-    logs.padded.append(std::max(scanPadding, std::size_t{simdjson::SIMDJSON_PADDING}), '\0');
+    logs.padded.append(scanPadding, '\0');
     logs.text = std::string_view(logs.padded).substr(0, size);
 
     for (std::size_t start = 0; start < size;) {
@@ -185,24 +185,31 @@ void checkUtf8(benchmark::State &state)
 }
 BENCHMARK(checkUtf8)->Unit(benchmark::kMicrosecond);
 
+/// Parses a line of usage in a copy, as the reader uses the text up.
+class Parser
+{
+public:
+    const JsonValue *parse(std::string_view line)
+    {
+        m_text.resize(std::max(m_text.size(), line.size() + JsonReader::padding));
+        std::ranges::copy(line, m_text.begin());
+        return m_reader.parse({m_text.data(), line.size()});
+    }
+
+private:
+    JsonReader m_reader;
+    std::vector<char> m_text;
+};
+
 void parse(benchmark::State &state)
 {
-    JsonReader reader;
-    for (const auto &[line, provider] : logs().usageLines) {
-        const auto parsed = reader.parse(line);
-        require(parsed.has_value(), "a line of usage is read");
-        // Half of an emoji is read as U+FFFD. The generator leaves such a half at a text's end.
-        QByteArray whole(line.data(), static_cast<qsizetype>(line.size()));
-        whole.replace("\\ud83d\"", "\\ufffd\"");
-        const auto plain = QJsonDocument::fromJson(whole);
-        const std::string written = simdjson::to_string(*parsed);
-        require(QJsonDocument::fromJson(QByteArray::fromStdString(written)) == plain,
-                "a line of usage is read as it is written");
-    }
+    Parser parser;
+    for (const UsageLine &line : logs().usageLines)
+        require(parser.parse(line.text) != nullptr, "a line of usage is read");
 
     for (auto _ : state) {
         for (const UsageLine &line : logs().usageLines)
-            benchmark::DoNotOptimize(reader.parse(line.text));
+            benchmark::DoNotOptimize(parser.parse(line.text));
     }
     countBytes(state, usageLineBytes());
     state.counters["lines"] = static_cast<double>(logs().usageLines.size());
@@ -214,14 +221,14 @@ void parseAndWalk(benchmark::State &state)
 {
     const QTimeZone zone = QTimeZone::utc();
     NameTable names;
-    JsonReader reader;
+    Parser parser;
     std::vector<UsageEvent> events;
     const auto walkAll = [&] {
         events.clear();
         for (const auto &[line, provider] : logs().usageLines) {
             const LogOrigin origin{
                 .provider = provider, .fileDate = now, .source = {}, .zone = zone, .names = names};
-            parseRecord(*reader.parse(line), origin, events);
+            parseRecord(*parser.parse(line), origin, events);
         }
     };
 

@@ -4,25 +4,22 @@
 
 namespace tallyglass {
 
-using simdjson::dom::element;
-
 namespace {
 
 /// One model's counters, nothing when none counts.
-std::optional<TokenUsage> modelUsage(element metrics)
+std::optional<TokenUsage> modelUsage(const JsonValue &metrics)
 {
-    const auto model = objectValue(&metrics);
-    const auto usage = model ? objectValue(ObjectFields(*model).find("usage")) : std::nullopt;
+    const JsonValue *model = objectValue(&metrics);
+    const JsonValue *usage = model ? objectValue(model->find("usage")) : nullptr;
     if (!usage)
         return std::nullopt;
 
-    const ObjectFields fields(*usage);
     const TokenUsage tokens{
-        .inputTokens = integerValue(fields.find("inputTokens")),
-        .outputTokens = checkedSum(integerValue(fields.find("outputTokens")),
-                                   integerValue(fields.find("reasoningTokens"))),
-        .cacheCreationTokens = integerValue(fields.find("cacheWriteTokens")),
-        .cacheReadTokens = integerValue(fields.find("cacheReadTokens")),
+        .inputTokens = integerValue(usage->find("inputTokens")),
+        .outputTokens = checkedSum(integerValue(usage->find("outputTokens")),
+                                   integerValue(usage->find("reasoningTokens"))),
+        .cacheCreationTokens = integerValue(usage->find("cacheWriteTokens")),
+        .cacheReadTokens = integerValue(usage->find("cacheReadTokens")),
     };
     return tokens.counterSum() < 1 ? std::nullopt : std::optional{tokens};
 }
@@ -34,25 +31,22 @@ CopilotLogReader::CopilotLogReader(const LogOrigin &origin)
 {
 }
 
-void CopilotLogReader::take(element record)
+void CopilotLogReader::take(const JsonValue &record)
 {
-    const auto object = objectValue(&record);
-    if (!object)
+    if (record.kind() != JsonValue::Kind::Object
+        || stringValue(record.find("type")) != "session.shutdown")
         return;
-    const ObjectFields fields(*object);
-    if (stringValue(fields.find("type")) != "session.shutdown")
-        return;
-    const auto data = objectValue(fields.find("data"));
-    const auto metrics =
-        data ? objectValue(ObjectFields(*data).find("modelMetrics")) : std::nullopt;
+    const JsonValue *data = objectValue(record.find("data"));
+    const JsonValue *metrics = data ? objectValue(data->find("modelMetrics")) : nullptr;
     if (!metrics)
         return;
 
-    const Instant date = timestamp(fields, m_origin.zone).value_or(m_origin.fileDate);
-    forEachContainer(*metrics, [&](std::string_view model, element value) {
-        const auto usage = modelUsage(value);
+    const Instant date = timestamp(record, m_origin.zone).value_or(m_origin.fileDate);
+    forEachContainer(*metrics, [&](const JsonValue &member) {
+        const auto usage = modelUsage(member);
         if (!usage)
             return;
+        const std::string_view model = member.name();
         const auto held = m_models.find(model);
         if (held == m_models.end())
             m_models.emplace(model, Entry{.date = date, .usage = *usage});

@@ -14,7 +14,7 @@ public:
     explicit CopilotLogReader(const LogOrigin &origin);
 
     /// Takes one line of the file. Whatever is not a shutdown record is passed over.
-    void take(simdjson::dom::element record);
+    void take(const JsonValue &record);
 
     /// One event for each model.
     std::vector<UsageEvent> events() const;

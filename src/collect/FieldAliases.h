@@ -1,9 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <cstring>
 #include <string_view>
 
 namespace tallyglass {
@@ -41,8 +42,10 @@ public:
 
     constexpr std::size_t index() const { return m_index; }
 
-    /// The place of \a name in the table, nothing for a name that no reader asks for.
-    static constexpr std::optional<std::size_t> find(std::string_view name);
+    /// The place of \a name in the table, none for a name that no reader asks for. The name must be
+    /// readable for 32 bytes.
+    static std::size_t find(std::string_view name);
+    static constexpr std::size_t none = 63;
 
 private:
     static consteval std::size_t indexOf(std::string_view name)
@@ -57,6 +60,23 @@ private:
     std::size_t m_index;
 };
 
+/// Some of the names.
+class FieldSet
+{
+public:
+    template<std::size_t... counts>
+    constexpr explicit FieldSet(const std::array<FieldKey, counts> &...keys)
+    {
+        const auto add = [this](FieldKey key) { m_bits |= std::uint64_t{1} << key.index(); };
+        (std::ranges::for_each(keys, add), ...);
+    }
+
+    constexpr bool hasAnyOf(std::uint64_t bits) const { return (m_bits & bits) != 0; }
+
+private:
+    std::uint64_t m_bits = 0;
+};
+
 // Where a reader has a choice, the first key that yields a usable value wins.
 inline constexpr std::array<FieldKey, 7> timestampKeys{
     "timestamp", "created_at", "createdAt", "date", "time", "started_at", "request_start_time"};
@@ -69,29 +89,57 @@ inline constexpr std::array<FieldKey, 4> windowLengthKeys{"window_minutes", "win
 inline constexpr std::array<FieldKey, 6> windowNameKeys{
     "window", "period", "name", "limit_name", "rateLimitType", "rate_limit_type"};
 
+/// The token counters, each beside its alias, in the order of the table.
+inline constexpr std::array<FieldKey, 9> counterKeys{"input_tokens",
+                                                     "prompt_tokens",
+                                                     "output_tokens",
+                                                     "completion_tokens",
+                                                     "cache_creation_input_tokens",
+                                                     "cache_creation_tokens",
+                                                     "cache_read_input_tokens",
+                                                     "cache_read_tokens",
+                                                     "total_tokens"};
+inline constexpr std::array<FieldKey, 5> copilotCounterKeys{
+    "inputTokens", "outputTokens", "reasoningTokens", "cacheWriteTokens", "cacheReadTokens"};
+
+/// What makes an event. An object that has none of these, nor holds one that does, gives none.
+inline constexpr FieldSet countingFields(counterKeys, copilotCounterKeys, usedShareKeys, resetKeys,
+                                         windowLengthKeys);
+
 namespace detail {
 
-/// The table's places by a hash of the names that no two of them share, so that a key is compared
-/// with one name at most.
-class PlacesByHash
+/// The names by a hash that no two of them share, so that a name is compared with one at most.
+class NamesByHash
 {
 public:
-    static constexpr std::uint8_t nothing = 0xff;
     static constexpr std::size_t shortest = 4; ///< so many characters are hashed at either end
+    static constexpr std::size_t longest = 32;
 
-    consteval PlacesByHash()
+    struct Entry
     {
-        m_places.fill(nothing);
+        std::array<char, longest> name{}; ///< with zeros behind
+        std::uint8_t size = 0;
+        std::uint8_t place = 0; ///< in the table
+    };
+
+    consteval NamesByHash()
+    {
         for (std::size_t i = 0; i < fieldNames.size(); ++i) {
-            std::uint8_t &place = m_places[hash(fieldNames[i])];
-            if (fieldNames[i].size() < shortest || place != nothing)
+            const std::string_view name = fieldNames[i];
+            Entry &entry = m_entries[hash(name.data(), name.size())];
+            if (name.size() < shortest || name.size() > longest || entry.size > 0)
                 throw "choose another multiplier"; // Reached while compiling only.
-            place = static_cast<std::uint8_t>(i);
+            std::ranges::copy(name, entry.name.begin());
+            entry.size = static_cast<std::uint8_t>(name.size());
+            entry.place = static_cast<std::uint8_t>(i);
         }
     }
 
-    /// Where \a name stands if it stands anywhere. It must not be shorter than the shortest.
-    constexpr std::uint8_t find(std::string_view name) const { return m_places[hash(name)]; }
+    /// The entry that has the name if any has. The name must not be shorter than the shortest.
+    constexpr const Entry &entry(const char *name, std::size_t size) const
+    {
+        return m_entries[hash(name, size)];
+    }
 
 private:
     static constexpr std::uint32_t fourCharacters(const char *at)
@@ -102,29 +150,46 @@ private:
         return value;
     }
 
-    static constexpr std::size_t hash(std::string_view name)
+    static constexpr std::size_t hash(const char *name, std::size_t size)
     {
         // Found by trying at random.
         constexpr std::uint32_t multiplier = 0xd01ad8d3;
-        const auto size = static_cast<std::uint32_t>(name.size());
-        const std::uint32_t last = fourCharacters(name.data() + name.size() - shortest) ^ size;
-        return (fourCharacters(name.data()) + last) * multiplier >> 24;
+        const auto last = fourCharacters(name + size - shortest) ^ static_cast<std::uint32_t>(size);
+        return (fourCharacters(name) + last) * multiplier >> 24;
     }
 
-    std::array<std::uint8_t, 256> m_places{};
+    std::array<Entry, 256> m_entries{};
 };
 
-inline constexpr PlacesByHash placesByHash;
+inline constexpr NamesByHash namesByHash;
+
+/// As many bytes that are set as a name is long, from a place in here on.
+inline constexpr auto nameMask = [] {
+    std::array<std::uint8_t, 2 * NamesByHash::longest> mask{};
+    std::ranges::fill(mask.begin(), mask.begin() + NamesByHash::longest, std::uint8_t{0xff});
+    return mask;
+}();
 
 } // namespace detail
 
-constexpr std::optional<std::size_t> FieldKey::find(std::string_view name)
+inline std::size_t FieldKey::find(std::string_view name)
 {
-    if (name.size() < detail::PlacesByHash::shortest)
-        return std::nullopt;
-    const std::uint8_t place = detail::placesByHash.find(name);
-    const bool isKnown = place != detail::PlacesByHash::nothing && fieldNames[place] == name;
-    return isKnown ? std::optional<std::size_t>{place} : std::nullopt;
+    using Names = detail::NamesByHash;
+    if (name.size() < Names::shortest)
+        return none;
+    const Names::Entry &entry = detail::namesByHash.entry(name.data(), name.size());
+    if (entry.size != name.size())
+        return none;
+    // Without a branch for each length, which would often be mispredicted.
+    using Block = std::uint64_t __attribute__((vector_size(16)));
+    std::array<Block, 2> given{};
+    std::array<Block, 2> known{};
+    std::array<Block, 2> mask{};
+    std::memcpy(&given, name.data(), sizeof given);
+    std::memcpy(&known, entry.name.data(), sizeof known);
+    std::memcpy(&mask, detail::nameMask.data() + Names::longest - entry.size, sizeof mask);
+    const Block different = ((given[0] ^ known[0]) & mask[0]) | ((given[1] ^ known[1]) & mask[1]);
+    return (different[0] | different[1]) == 0 ? entry.place : none;
 }
 
 } // namespace tallyglass

@@ -10,9 +10,6 @@
 
 namespace tallyglass {
 
-using simdjson::dom::element;
-using simdjson::dom::element_type;
-
 namespace {
 
 bool isDigit(char character)
@@ -79,7 +76,7 @@ std::optional<double> decimalNumber(std::string_view text)
     return ok && std::isfinite(value) ? std::optional{value} : std::nullopt;
 }
 
-std::optional<Instant> dateFrom(const element *value, const QTimeZone &zone)
+std::optional<Instant> dateFrom(const JsonValue *value, const QTimeZone &zone)
 {
     if (const auto number = decimalValue(value))
         return *number > 0 ? std::optional{fromUnixNumber(*number)} : std::nullopt;
@@ -92,79 +89,82 @@ std::optional<Instant> dateFrom(const element *value, const QTimeZone &zone)
     return local ? instantShowing(*local, zone) : std::nullopt;
 }
 
-/// One counter under its two names, which the tools use in turn.
-std::int64_t counter(const ObjectFields &fields, FieldKey key, FieldKey alias)
-{
-    return checkedSum(integerValue(fields.find(key)), integerValue(fields.find(alias)));
-}
-
 } // namespace
 
-std::int64_t integerValue(const element *value)
+std::int64_t integerValue(const JsonValue *value)
 {
     if (!value)
         return 0;
-    switch (value->type()) {
-    case element_type::INT64:
-        return value->get_int64().value_unsafe();
-    case element_type::DOUBLE:
-        return wholeNumber(value->get_double().value_unsafe());
-    case element_type::STRING:
-        return wholeNumber(value->get_string().value_unsafe());
-    default: // An unsigned number here exceeds 63 bits.
+    switch (value->kind()) {
+    case JsonValue::Kind::Integer:
+        return value->integer();
+    case JsonValue::Kind::Decimal:
+        return wholeNumber(value->decimal());
+    case JsonValue::Kind::String:
+        return wholeNumber(value->text());
+    default:
         return 0;
     }
 }
 
-std::optional<double> decimalValue(const element *value)
+std::optional<double> decimalValue(const JsonValue *value)
 {
     if (!value)
         return std::nullopt;
-    switch (value->type()) {
-    case element_type::INT64:
-    case element_type::DOUBLE:
-        return value->get_double().value_unsafe();
-    case element_type::UINT64:
-        return 0; // Beyond 64 bits with a sign: such a number reads as 0, as in a counter.
-    case element_type::STRING:
-        return decimalNumber(value->get_string().value_unsafe());
+    switch (value->kind()) {
+    case JsonValue::Kind::Integer:
+        return static_cast<double>(value->integer());
+    case JsonValue::Kind::Decimal:
+        return value->decimal();
+    case JsonValue::Kind::String:
+        return decimalNumber(value->text());
     default:
         return std::nullopt;
     }
 }
 
-std::optional<std::string_view> stringValue(const element *value)
+std::optional<std::string_view> stringValue(const JsonValue *value)
 {
-    std::string_view text;
-    return value && value->get(text) == simdjson::SUCCESS ? std::optional{text} : std::nullopt;
+    const bool isString = value && value->kind() == JsonValue::Kind::String;
+    return isString ? std::optional{value->text()} : std::nullopt;
 }
 
-std::optional<simdjson::dom::object> objectValue(const element *value)
+const JsonValue *objectValue(const JsonValue *value)
 {
-    simdjson::dom::object object;
-    return value && value->get(object) == simdjson::SUCCESS ? std::optional{object} : std::nullopt;
+    return value && value->kind() == JsonValue::Kind::Object ? value : nullptr;
 }
 
-std::optional<Instant> dateValue(const ObjectFields &fields, std::span<const FieldKey> keys,
+std::optional<Instant> dateValue(const JsonValue &object, std::span<const FieldKey> keys,
                                  const QTimeZone &zone)
 {
     for (const FieldKey key : keys) {
-        if (const auto date = dateFrom(fields.find(key), zone))
+        if (const auto date = dateFrom(object.find(key), zone))
             return date;
     }
     return std::nullopt;
 }
 
-std::optional<TokenUsage> tokenUsage(const ObjectFields &fields)
+std::optional<TokenUsage> tokenUsage(const JsonValue &object)
 {
+    static constexpr FieldSet counterFields(counterKeys);
+    if (!object.hasAnyOf(counterFields))
+        return std::nullopt;
+    // All in one pass, as objects of usage have most of them.
+    std::array<std::int64_t, counterKeys.size()> counters{};
+    for (const JsonValue &member : object) {
+        const std::size_t counter = member.field() - counterKeys.front().index();
+        static_assert(counterKeys.back().index() - counterKeys.front().index() + 1
+                      == counterKeys.size());
+        if (counter < counters.size())
+            counters[counter] = integerValue(&member);
+    }
     TokenUsage usage{
-        .inputTokens = counter(fields, "input_tokens", "prompt_tokens"),
-        .outputTokens = counter(fields, "output_tokens", "completion_tokens"),
-        .cacheCreationTokens =
-            counter(fields, "cache_creation_input_tokens", "cache_creation_tokens"),
-        .cacheReadTokens = counter(fields, "cache_read_input_tokens", "cache_read_tokens"),
+        .inputTokens = checkedSum(counters[0], counters[1]),
+        .outputTokens = checkedSum(counters[2], counters[3]),
+        .cacheCreationTokens = checkedSum(counters[4], counters[5]),
+        .cacheReadTokens = checkedSum(counters[6], counters[7]),
     };
-    const std::int64_t total = integerValue(fields.find("total_tokens"));
+    const std::int64_t total = counters[8];
     if (usage.counterSum() < 1 && total < 1)
         return std::nullopt;
     if (total > 0)
@@ -172,9 +172,10 @@ std::optional<TokenUsage> tokenUsage(const ObjectFields &fields)
     return usage;
 }
 
-std::optional<Instant> timestamp(const ObjectFields &fields, const QTimeZone &zone)
+std::optional<Instant> timestamp(const JsonValue &object, const QTimeZone &zone)
 {
-    return dateValue(fields, timestampKeys, zone);
+    static constexpr FieldSet timestampFields(timestampKeys);
+    return object.hasAnyOf(timestampFields) ? dateValue(object, timestampKeys, zone) : std::nullopt;
 }
 
 } // namespace tallyglass

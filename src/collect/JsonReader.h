@@ -1,28 +1,38 @@
 #pragma once
 
+#include "collect/JsonValue.h"
+
 #include <simdjson.h>
 
-#include <optional>
-#include <string>
-#include <string_view>
+#include <memory>
+#include <span>
 
 namespace tallyglass {
 
-/// Parses one JSON value after the other, reusing its buffers. A value lives until the next call.
+/// Parses one JSON value after the other, reusing its memory.
+///
+/// A parser in two stages, of which the first is the library's: it finds where each brace, name and
+/// value begins, and checks UTF-8. The library's second stage builds a value of everything; the one
+/// here checks as strictly, and keeps what readers ask for.
+///
+/// Two things that are real in logs it reads although others refuse them: half of a surrogate pair,
+/// as U+FFFD, and a number beyond 64 bits, as 0.
 class JsonReader
 {
 public:
-    /// Nothing for what is not an object or array, or not JSON.
-    ///
-    /// Real logs hold two things that the parser refuses although only one field suffers: half of a
-    /// surrogate pair, which is read as U+FFFD, and a number beyond 64 bits, which is read as 0.
-    ///
-    /// \a text must be readable for simdjson::SIMDJSON_PADDING bytes beyond its end.
-    std::optional<simdjson::dom::element> parse(std::string_view text);
+    static constexpr int deepestNesting = 1'023;
+    /// So much is read beyond the text, and its first byte is written as well, for a while.
+    static constexpr std::size_t padding = simdjson::SIMDJSON_PADDING; // bytes
+
+    /// Null for what is not an object or an array, is not JSON, or is deeper than allowed. The
+    /// value lives until the next call. Strings are decoded in place, so \a text is used up.
+    const JsonValue *parse(std::span<char> text);
 
 private:
     simdjson::dom::parser m_parser;
-    std::string m_mended;
+    // Not a vector: one would clear the memory, of which hardly anything is used.
+    std::unique_ptr<JsonValue[]> m_values; // NOLINT(modernize-avoid-c-arrays)
+    std::size_t m_capacity = 0;
 };
 
 } // namespace tallyglass

@@ -3,6 +3,8 @@
 #include "collect/CopilotLogReader.h"
 #include "collect/TextScan.h"
 
+#include <simdjson.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -17,7 +19,7 @@ namespace {
 
 /// Stays in the second-level cache from the copy out of the kernel to the scan of what was copied.
 constexpr std::size_t bufferSize = 131'072; // bytes
-constexpr std::size_t padding = std::max(scanPadding, std::size_t{simdjson::SIMDJSON_PADDING});
+constexpr std::size_t padding = std::max(scanPadding, JsonReader::padding);
 
 /// An open regular file, or nothing.
 class OpenFile
@@ -120,15 +122,15 @@ void LogFileReader::readLogFile(const LogFile &file, std::vector<UsageEvent> &ev
 
     if (file.provider == UsageProvider::Copilot) {
         CopilotLogReader copilot(origin);
-        if (readLines(opened.descriptor(), [&](auto record) { copilot.take(record); }))
+        if (readLines(opened.descriptor(), [&](const JsonValue &record) { copilot.take(record); }))
             std::ranges::move(copilot.events(), std::back_inserter(events));
     } else if (file.isDocument) {
-        if (const auto document = readDocument(opened.descriptor()))
+        if (const JsonValue *document = readDocument(opened.descriptor()))
             parseRecord(*document, origin, events);
     } else {
         const std::size_t before = events.size();
         if (!readLines(opened.descriptor(),
-                       [&](auto record) { parseRecord(record, origin, events); }))
+                       [&](const JsonValue &record) { parseRecord(record, origin, events); }))
             events.resize(before);
     }
 }
@@ -156,7 +158,7 @@ bool LogFileReader::readLines(int file, Take take)
         const std::size_t taken = isAtEnd ? filled : complete;
         if (!simdjson::validate_utf8(m_buffer.data(), taken))
             return false;
-        takeLines(std::string_view(m_buffer.data(), taken), take);
+        takeLines(taken, take);
 
         // The unfinished line goes to the front and is continued there.
         filled -= taken;
@@ -165,39 +167,42 @@ bool LogFileReader::readLines(int file, Take take)
     return true;
 }
 
+/// Takes the lines in the first \a size bytes of the buffer.
 template<typename Take>
-void LogFileReader::takeLines(std::string_view text, Take take)
+void LogFileReader::takeLines(std::size_t size, Take take)
 {
-    std::size_t marker = findUsageMarker(text.data(), 0, text.size());
-    while (marker < text.size()) {
+    const std::string_view text(m_buffer.data(), size);
+    std::size_t marker = findUsageMarker(text.data(), 0, size);
+    while (marker < size) {
         const std::size_t start = afterLastLineFeed(text.data(), marker);
-        const std::size_t end = std::min(text.find('\n', marker), text.size());
+        const std::size_t end = std::min(text.find('\n', marker), size);
         const std::string_view line = trimmed(text.substr(start, end - start));
         if (line.starts_with('{') || line.starts_with('[')) {
-            if (const auto record = m_json.parse(line))
+            char *const first = m_buffer.data() + (line.data() - text.data());
+            if (const JsonValue *record = m_json.parse({first, line.size()}))
                 take(*record);
         }
-        marker = findUsageMarker(text.data(), end, text.size());
+        marker = findUsageMarker(text.data(), end, size);
     }
 }
 
-std::optional<simdjson::dom::element> LogFileReader::readDocument(int file)
+const JsonValue *LogFileReader::readDocument(int file)
 {
     // Most documents are no logs; only those that may count are held in memory as a whole.
     if (!mentionsUsage(file) || lseek(file, 0, SEEK_SET) != 0)
-        return std::nullopt;
+        return nullptr;
     std::size_t filled = 0;
     while (filled <= largestFileRead) {
         if (filled == capacity())
             m_buffer.resize(2 * capacity() + padding);
         const auto count = readMore(file, filled);
         if (!count)
-            return std::nullopt;
+            return nullptr;
         if (*count == 0)
             break;
         filled += *count;
     }
-    return m_json.parse(std::string_view(m_buffer.data(), filled));
+    return m_json.parse({m_buffer.data(), filled});
 }
 
 bool LogFileReader::mentionsUsage(int file)

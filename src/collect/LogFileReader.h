@@ -26,8 +26,8 @@ private:
     template<typename Take>
     bool readLines(int file, Take take);
     template<typename Take>
-    void takeLines(std::string_view text, Take take);
-    std::optional<simdjson::dom::element> readDocument(int file);
+    void takeLines(std::size_t size, Take take);
+    const JsonValue *readDocument(int file);
     bool mentionsUsage(int file);
     std::optional<std::size_t> readMore(int file, std::size_t filled);
     std::size_t capacity() const;
@@ -35,7 +35,7 @@ private:
     const QTimeZone &m_zone;
     NameTable m_names;
     JsonReader m_json;
-    std::vector<char> m_buffer; ///< capacity() bytes of text, then some that scans may read
+    std::vector<char> m_buffer; ///< capacity() bytes of text, then some for scan and parser
 };
 
 } // namespace tallyglass

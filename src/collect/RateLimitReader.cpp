@@ -7,16 +7,14 @@
 
 namespace tallyglass {
 
-using simdjson::dom::element;
-
 namespace {
 
 /// The used share as a fraction from 0 to 1. The tools write percents, so 1 is one percent; only
 /// below 1 can a value be meant as a fraction.
-std::optional<double> usedShare(const ObjectFields &fields)
+std::optional<double> usedShare(const JsonValue &object)
 {
     for (const FieldKey key : usedShareKeys) {
-        if (const auto value = decimalValue(fields.find(key))) {
+        if (const auto value = decimalValue(object.find(key))) {
             const double share = *value < 1.0 ? *value : *value / 100;
             return std::clamp(share, 0.0, 1.0);
         }
@@ -24,10 +22,10 @@ std::optional<double> usedShare(const ObjectFields &fields)
     return std::nullopt;
 }
 
-std::optional<std::int64_t> statedWindowMinutes(const ObjectFields &fields)
+std::optional<std::int64_t> statedWindowMinutes(const JsonValue &object)
 {
     for (const FieldKey key : windowLengthKeys) {
-        if (const std::int64_t minutes = integerValue(fields.find(key)); minutes > 0)
+        if (const std::int64_t minutes = integerValue(object.find(key)); minutes > 0)
             return minutes;
     }
     return std::nullopt;
@@ -57,12 +55,12 @@ std::optional<std::int64_t> minutesOfWindowNamed(std::string_view name)
     return std::nullopt;
 }
 
-std::optional<std::int64_t> windowMinutes(const ObjectFields &fields, std::string_view memberName)
+std::optional<std::int64_t> windowMinutes(const JsonValue &object, std::string_view memberName)
 {
-    if (const auto minutes = statedWindowMinutes(fields))
+    if (const auto minutes = statedWindowMinutes(object))
         return minutes;
     for (const FieldKey key : windowNameKeys) {
-        const auto name = stringValue(fields.find(key));
+        const auto name = stringValue(object.find(key));
         if (const auto minutes = name ? minutesOfWindowNamed(*name) : std::nullopt)
             return minutes;
     }
@@ -81,38 +79,34 @@ public:
 
     /// \a memberName is that of the member which holds \a value, \a plan the one stated nearest
     /// around it.
-    void search(element value, std::string_view memberName, std::optional<std::string_view> plan)
+    void search(const JsonValue &value, std::string_view memberName,
+                std::optional<std::string_view> plan)
     {
-        simdjson::dom::array elements;
-        if (value.get(elements) == simdjson::SUCCESS) {
-            for (const element item : elements)
-                search(item, memberName, plan);
-            return;
+        if (value.kind() == JsonValue::Kind::Array) {
+            for (const JsonValue &element : value)
+                search(element, memberName, plan);
+        } else if (value.kind() == JsonValue::Kind::Object && !takeLimit(value, memberName, plan)) {
+            forEachContainer(value,
+                             [&](const JsonValue &member) { search(member, member.name(), plan); });
         }
-        simdjson::dom::object object;
-        if (value.get(object) != simdjson::SUCCESS || takeLimit(object, memberName, plan))
-            return;
-        forEachContainer(
-            object, [&](std::string_view name, element member) { search(member, name, plan); });
     }
 
 private:
     /// Takes the object if it is a limit, else makes its plan the one of what it holds. Apart from
     /// search(), whose frames may stand a thousand deep and stay small so.
-    [[gnu::noinline]] bool takeLimit(simdjson::dom::object object, std::string_view memberName,
+    [[gnu::noinline]] bool takeLimit(const JsonValue &object, std::string_view memberName,
                                      std::optional<std::string_view> &plan)
     {
-        const ObjectFields fields(object);
-        if (const auto own = stringValue(fields.find("plan_type")))
+        if (const auto own = stringValue(object.find("plan_type")))
             plan = own;
-        if (!isRateLimit(fields, m_zone))
+        if (!isRateLimit(object, m_zone))
             return false;
 
-        const auto share = usedShare(fields);
+        const auto share = usedShare(object);
         RateLimitUsage limit{
             .usedPercent = share.value_or(0),
-            .resetDate = dateValue(fields, resetKeys, m_zone),
-            .windowMinutes = windowMinutes(fields, memberName),
+            .resetDate = dateValue(object, resetKeys, m_zone),
+            .windowMinutes = windowMinutes(object, memberName),
             .percentKnown = share.has_value(),
         };
         if (plan)
@@ -127,17 +121,17 @@ private:
 
 } // namespace
 
-bool isRateLimit(const ObjectFields &fields, const QTimeZone &zone)
+bool isRateLimit(const JsonValue &object, const QTimeZone &zone)
 {
-    return usedShare(fields) || statedWindowMinutes(fields) || dateValue(fields, resetKeys, zone);
+    return usedShare(object) || statedWindowMinutes(object) || dateValue(object, resetKeys, zone);
 }
 
-std::vector<RateLimitUsage> rateLimits(const ObjectFields &record, const QTimeZone &zone)
+std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone)
 {
     constexpr std::array<FieldKey, 2> containers{"rate_limits", "rate_limit_info"};
     std::vector<RateLimitUsage> found;
     for (const FieldKey container : containers) {
-        if (const element *value = record.find(container)) {
+        if (const JsonValue *value = record.find(container)) {
             LimitSearch(zone, found)
                 .search(*value, fieldNames[container.index()],
                         stringValue(record.find("plan_type")));

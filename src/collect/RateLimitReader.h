@@ -1,6 +1,6 @@
 #pragma once
 
-#include "collect/ObjectFields.h"
+#include "collect/JsonValue.h"
 #include "model/RateLimitUsage.h"
 
 #include <vector>
@@ -11,10 +11,10 @@ namespace tallyglass {
 
 /// Whether an object is a limit: a share, a reset date or a window length above 0 can be read from
 /// it. A plan or a name alone does not make one.
-bool isRateLimit(const ObjectFields &fields, const QTimeZone &zone);
+bool isRateLimit(const JsonValue &object, const QTimeZone &zone);
 
 /// The limits in a record's "rate_limits" and "rate_limit_info". The search goes through arrays and
 /// nested objects, and stops at each limit.
-std::vector<RateLimitUsage> rateLimits(const ObjectFields &record, const QTimeZone &zone);
+std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone);
 
 } // namespace tallyglass

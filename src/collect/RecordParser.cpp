@@ -5,8 +5,6 @@
 
 namespace tallyglass {
 
-using simdjson::dom::element;
-
 namespace {
 
 /// What an object passes on to those inside it.
@@ -19,9 +17,9 @@ struct Inherited
     bool limitsAreReported = false;
 };
 
-std::optional<UsageProvider> providerHint(const ObjectFields &fields)
+std::optional<UsageProvider> providerHint(const JsonValue &object)
 {
-    const auto text = stringValue(fields.find("provider"));
+    const auto text = stringValue(object.find("provider"));
     if (!text)
         return std::nullopt;
     const QString hint =
@@ -35,30 +33,30 @@ std::optional<UsageProvider> providerHint(const ObjectFields &fields)
     return std::nullopt;
 }
 
-std::optional<std::string_view> modelName(const ObjectFields &fields)
+std::optional<std::string_view> modelName(const JsonValue &object)
 {
     for (const FieldKey key : modelKeys) {
-        const auto name = stringValue(fields.find(key));
+        const auto name = stringValue(object.find(key));
         if (name && !name->empty())
             return name;
     }
     return std::nullopt;
 }
 
-std::optional<TokenUsage> tokensOfMember(const ObjectFields &fields, FieldKey key)
+std::optional<TokenUsage> tokensOfMember(const JsonValue &object, FieldKey key)
 {
-    const auto member = objectValue(fields.find(key));
-    return member ? tokenUsage(ObjectFields(*member)) : std::nullopt;
+    const JsonValue *member = objectValue(object.find(key));
+    return member ? tokenUsage(*member) : std::nullopt;
 }
 
 /// The tokens of a Codex record of type "token_count". It also holds running totals of the whole
 /// thread, which would count everything again with every record.
-std::optional<TokenUsage> lastTokenUsage(const ObjectFields &fields)
+std::optional<TokenUsage> lastTokenUsage(const JsonValue &object)
 {
-    if (stringValue(fields.find("type")) != "token_count")
+    if (stringValue(object.find("type")) != "token_count")
         return std::nullopt;
-    const auto info = objectValue(fields.find("info"));
-    return info ? tokensOfMember(ObjectFields(*info), "last_token_usage") : std::nullopt;
+    const JsonValue *info = objectValue(object.find("info"));
+    return info ? tokensOfMember(*info, "last_token_usage") : std::nullopt;
 }
 
 class RecordWalk
@@ -70,24 +68,22 @@ public:
     {
     }
 
-    void walk(element value, const Inherited &around)
+    void walk(const JsonValue &value, const Inherited &around)
     {
-        simdjson::dom::array elements;
-        if (value.get(elements) == simdjson::SUCCESS) {
-            for (const element item : elements)
-                walk(item, around);
+        if (value.kind() == JsonValue::Kind::Array) {
+            for (const JsonValue &element : value)
+                walk(element, around);
             return;
         }
-        simdjson::dom::object object;
-        if (value.get(object) != simdjson::SUCCESS)
+        if (value.kind() != JsonValue::Kind::Object)
             return;
         Inherited passedOn = around;
-        if (!takeObject(object, passedOn))
+        if (!takeObject(value, passedOn))
             return;
-        forEachContainer(object, [&](std::string_view name, element member) {
-            if (name == "usage" || name == "rate_limit_info")
+        forEachContainer(value, [&](const JsonValue &member) {
+            if (member.isCalled("usage") || member.isCalled("rate_limit_info"))
                 return;
-            if (name == "rate_limits") {
+            if (member.isCalled("rate_limits")) {
                 Inherited searched = passedOn;
                 searched.limitsAreReported = true;
                 walk(member, searched);
@@ -101,33 +97,30 @@ private:
     /// Appends the object's event, if it has one, and makes \a context that of its members. False
     /// when these are not to be walked. Apart from walk(), whose frames may stand a thousand deep
     /// and stay small so.
-    [[gnu::noinline]] bool takeObject(simdjson::dom::object object, Inherited &context)
+    [[gnu::noinline]] bool takeObject(const JsonValue &object, Inherited &context)
     {
-        const ObjectFields fields(object);
-        if (fields.isEmpty())
-            return true;
-        if (const auto date = timestamp(fields, m_origin.zone))
+        if (const auto date = timestamp(object, m_origin.zone))
             context.date = *date;
-        if (const auto model = modelName(fields))
+        if (const auto model = modelName(object))
             context.model = model;
-        if (const auto provider = providerHint(fields))
+        if (const auto provider = providerHint(object))
             context.provider = *provider;
 
-        if (context.limitsAreReported && isRateLimit(fields, m_origin.zone))
+        if (context.limitsAreReported && isRateLimit(object, m_origin.zone))
             context.limitsAreReported = false;
         std::vector<RateLimitUsage> limits;
         if (!context.limitsAreReported)
-            limits = rateLimits(fields, m_origin.zone);
+            limits = rateLimits(object, m_origin.zone);
 
         if (context.provider == UsageProvider::Codex) {
-            if (const auto tokens = lastTokenUsage(fields)) {
+            if (const auto tokens = lastTokenUsage(object)) {
                 append(context, *tokens, std::move(limits));
                 return false;
             }
         }
-        auto tokens = tokensOfMember(fields, "usage");
+        auto tokens = tokensOfMember(object, "usage");
         if (!tokens)
-            tokens = tokenUsage(fields);
+            tokens = tokenUsage(object);
         if (tokens || !limits.empty())
             append(context, tokens.value_or(TokenUsage{}), std::move(limits));
         return true;
@@ -153,7 +146,7 @@ private:
 
 } // namespace
 
-void parseRecord(element value, const LogOrigin &origin, std::vector<UsageEvent> &events)
+void parseRecord(const JsonValue &value, const LogOrigin &origin, std::vector<UsageEvent> &events)
 {
     RecordWalk(origin, events).walk(value, {.provider = origin.provider, .date = origin.fileDate});
 }

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "collect/JsonValue.h"
 #include "collect/NameTable.h"
 #include "model/UsageEvent.h"
-
-#include <simdjson.h>
 
 #include <vector>
 
@@ -23,7 +22,6 @@ struct LogOrigin
 
 /// Walks one JSON value at any depth and appends an event for every object with token counters or
 /// rate limits. Objects inherit date, model and provider from the one around them.
-void parseRecord(simdjson::dom::element value, const LogOrigin &origin,
-                 std::vector<UsageEvent> &events);
+void parseRecord(const JsonValue &value, const LogOrigin &origin, std::vector<UsageEvent> &events);
 
 } // namespace tallyglass

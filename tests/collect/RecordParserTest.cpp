@@ -14,9 +14,9 @@ namespace {
 QString walk(const QByteArray &json, UsageProvider provider = UsageProvider::Claude,
              const QTimeZone &zone = QTimeZone("Asia/Tokyo"))
 {
-    const simdjson::padded_string text(json.constData(), static_cast<std::size_t>(json.size()));
     JsonReader reader;
-    const auto record = reader.parse(text);
+    QByteArray text = json + QByteArray(JsonReader::padding, '\0');
+    const auto *record = reader.parse({text.data(), static_cast<std::size_t>(json.size())});
     if (!record)
         return QStringLiteral("no record");
     NameTable names;

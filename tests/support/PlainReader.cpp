@@ -16,8 +16,8 @@ template<typename Take>
 void parse(const QByteArray &json, Take take)
 {
     JsonReader reader;
-    const simdjson::padded_string text(json.constData(), static_cast<std::size_t>(json.size()));
-    if (const auto value = reader.parse(text))
+    QByteArray text = json + QByteArray(JsonReader::padding, '\0');
+    if (const auto *value = reader.parse({text.data(), static_cast<std::size_t>(json.size())}))
         take(*value);
 }
 
@@ -45,7 +45,7 @@ std::vector<UsageEvent> readPlainly(const LogFile &file, const QTimeZone &zone)
     std::vector<UsageEvent> events;
     CopilotLogReader copilot(origin);
     const bool isCopilot = file.provider == UsageProvider::Copilot;
-    const auto take = [&](simdjson::dom::element value) {
+    const auto take = [&](const JsonValue &value) {
         if (isCopilot)
             copilot.take(value);
         else
