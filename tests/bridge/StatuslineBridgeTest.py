@@ -18,7 +18,6 @@ from pathlib import Path
 
 SCRIPT = Path(__file__).resolve().parents[2] / "bridge" / "tallyglass-statusline-bridge.py"
 HOUR = 3600
-MISSING = object()
 
 
 def limit(share, reset=2 * HOUR):
@@ -29,7 +28,6 @@ def limit(share, reset=2 * HOUR):
 def session(**windows):
     return {
         "session_id": "7b1c",
-        "cwd": "/home/ada/shop",
         "model": {"id": "claude-x", "display_name": "Opus"},
         "workspace": {"current_dir": "/home/ada/shop", "project_dir": "/home/ada/shop"},
         "context_window": {"current_usage": {"input_tokens": 9, "cache_read_input_tokens": 41000}},
@@ -48,6 +46,10 @@ def without_override():
             ctypes.CDLL(None).prctl(24, capability, 0, 0, 0)  # PR_CAPBSET_DROP
 
 
+def full_disk(size):
+    return lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
+
+
 class BridgeCase(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -59,52 +61,42 @@ class BridgeCase(unittest.TestCase):
         self.settings = self.home / ".claude" / "settings.json"
         self.environment = {"PATH": os.environ["PATH"], "HOME": str(self.home)}
 
-    def start(self, *arguments, **options):
-        command = [sys.executable, "-IS", str(options.pop("script", SCRIPT)), *arguments]
-        process = subprocess.Popen(
-            command,
-            stdin=options.pop("stdin", subprocess.PIPE),
-            stdout=subprocess.PIPE,
-            stderr=subprocess.PIPE,
-            env=options.pop("env", self.environment),
-            **options,
-        )
+    def start(self, given=b"", *arguments, script=SCRIPT, **options):
+        # A file, so that none of several waits until the test comes to write its input.
+        with tempfile.TemporaryFile() as stdin:
+            stdin.write(encoded(given))
+            stdin.seek(0)
+            process = subprocess.Popen(
+                [sys.executable, "-IS", str(script), *arguments],
+                stdout=subprocess.PIPE,
+                stderr=subprocess.PIPE,
+                **{"stdin": stdin, "env": self.environment, **options},
+            )
         self.addCleanup(self.end, process)
         return process
 
     @staticmethod
     def end(process):
-        process.kill()
-        process.wait()
-        for pipe in filter(None, (process.stdin, process.stdout, process.stderr)):
-            try:
-                pipe.close()
-            except BrokenPipeError:
-                pass
+        with process:
+            process.kill()
 
-    def start_on_file(self, given, *arguments):
-        """For several at once: none has to wait until the test comes to write its input."""
-        file = self.home / "input"
-        if file.exists():
-            file.unlink()  # the one before may still be read
-        file.write_bytes(given)
-        with file.open("rb") as stdin:
-            return self.start(*arguments, stdin=stdin)
-
-    def line(self, given, *arguments, **options):
+    def line_of(self, process):
         """The output of one render, which must be quiet and end well."""
-        return self.line_of(self.start(*arguments, **options), given)
-
-    def line_of(self, process, given=None):
-        given = None if given is None else encoded(given)
-        output, errors = process.communicate(given, timeout=15)
+        output, errors = process.communicate(timeout=15)
         self.assertEqual((process.returncode, errors), (0, b""))
         return output.decode()
 
+    def line(self, given, **options):
+        return self.line_of(self.start(given, **options))
+
     def run_action(self, action, **options):
-        process = self.start(action, **options)
+        process = self.start(b"", action, **options)
         output, errors = process.communicate(timeout=15)
         return process.returncode, output.decode(), errors.decode()
+
+    def empty(self, folder):
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
 
     def reading(self):
         """What the application makes of the file: window minutes -> (fraction, reset)."""
@@ -130,13 +122,6 @@ class BridgeCase(unittest.TestCase):
         timestamp = int(time.time()) + timestamp_from_now
         self.file.write_text(json.dumps({"timestamp": timestamp, "rate_limits": windows}))
 
-    def write_settings(self, content):
-        self.settings.parent.mkdir(exist_ok=True)
-        self.settings.write_bytes(content)
-
-    def listing(self):
-        return sorted(path.name for path in self.settings.parent.iterdir())
-
 
 class ReadingTest(BridgeCase):
     def test_shares_read_as_meant(self):
@@ -145,18 +130,13 @@ class ReadingTest(BridgeCase):
             ("one is one percent", "1", 0.01),
             ("float noise", "14.000000000000002", 0.14),
             ("decimals stay", "23.5", 0.235),
-            ("noise is not use", "0.0000001", 0),
             ("nothing used", "0", 0),
-            ("full", "100", 1.0),
             ("above full", "105", 1.0),
             ("below zero", "-3", None),
             ("the time as share", "1776950400", None),
             ("a boolean is no number", "true", None),
             ("a string is no number", '"50"', None),
-            ("no share", "null", None),
             ("not a number", "NaN", None),
-            ("infinite", "Infinity", None),
-            ("beyond a double", "1e400", None),
             ("beyond any integer", "9" * 5000, None),
         ):
             with self.subTest(fault):
@@ -166,31 +146,21 @@ class ReadingTest(BridgeCase):
                 self.assertEqual(self.share(), fraction)
 
     def test_only_limits_are_written(self):
-        five, seven = limit(20), limit(40, 50 * HOUR)
-        self.line(session(five_hour=five, seven_day=seven, spend_limit=limit(5), other=limit(6)))
-        self.assertEqual(
-            self.reading(), {300: (0.2, five["resets_at"]), 10080: (0.4, seven["resets_at"])}
-        )
+        five, seven = limit(20, 10**9), limit(40, 50 * HOUR)  # the first reset is absurd
+        self.line(session(five_hour=five, seven_day=seven, spend_limit=limit(5)))
+        self.assertEqual(self.reading(), {300: (0.2, None), 10080: (0.4, seven["resets_at"])})
         self.assertEqual(self.file.stat().st_mode & 0o777, 0o600)
         self.assertEqual(self.folder.stat().st_mode & 0o777, 0o700)
         self.assertNotIn("tokens", self.file.read_text())
-        age = time.time() - json.loads(self.file.read_text())["timestamp"]
-        self.assertTrue(0 <= age < 15)
 
-    def test_input_without_limits_leaves_the_file(self):
-        plain = session()
-        del plain["rate_limits"]
+    def test_input_without_limits_leaves_no_file(self):
         for fault, given in (
-            ("missing", plain),
-            ("null", dict(plain, rate_limits=None)),
+            ("null", dict(session(), rate_limits=None)),
             ("empty", session()),
-            ("an array", dict(plain, rate_limits=[limit(30)])),
-            ("null windows", session(five_hour=None, seven_day=None)),
+            ("an array", dict(session(), rate_limits=[limit(30)])),
             ("a window of another kind", session(five_hour=30)),
-            ("only an absurd share", session(five_hour=limit(1776950400))),
             ("a window that is over", session(five_hour=limit(30, -60))),
             ("nothing at all", b""),
-            ("no JSON", b"hello"),
             ("half an object", encoded(session(five_hour=limit(30)))[:-9]),
             ("an array around it", [session(five_hour=limit(30))]),
             ("not UTF-8", b'{"cwd":"\xff"}'),
@@ -200,10 +170,6 @@ class ReadingTest(BridgeCase):
             with self.subTest(fault):
                 self.assertRegex(self.line(given), "^(Opus · shop|Claude Code)\n$")
                 self.assertFalse(self.folder.exists())
-        self.store(-HOUR, five_hour=limit(10))
-        before = self.file.read_bytes()
-        self.line(plain)
-        self.assertEqual(self.file.read_bytes(), before)
 
     def test_which_reading_wins(self):
         for fault, stored, read, share in (
@@ -215,7 +181,6 @@ class ReadingTest(BridgeCase):
             ("what is over says nothing", limit(90, -5), limit(3), 0.03),
             ("without a reset nothing says it holds", {"used_percentage": 9}, limit(3), 0.03),
             ("an unused window beside a running one", limit(30), {"used_percentage": 0}, 0.3),
-            ("an unused window at last", limit(30, -5), {"used_percentage": 0}, 0),
             ("a stored absurd reset would stay for ever", limit(30, 10**7), limit(3), 0.03),
             ("a stored absurd share would stay for ever", limit(10**6), limit(3), 0.03),
         ):
@@ -223,10 +188,6 @@ class ReadingTest(BridgeCase):
                 self.store(-5, five_hour=stored)
                 self.line(session(five_hour=read))
                 self.assertEqual(self.share(), share)
-
-    def test_a_reset_in_the_far_future_is_dropped_alone(self):
-        self.line(session(five_hour=limit(30, 10**9)))
-        self.assertEqual(self.reading(), {300: (0.3, None)})
 
     def test_a_window_that_is_not_reported(self):
         for fault, stored, share in (
@@ -247,10 +208,10 @@ class ReadingTest(BridgeCase):
             ("an older reading confirms nothing", -400, 40, False),
         ):
             with self.subTest(fault):
-                reset = limit(0)["resets_at"]
-                self.store(age, five_hour={"used_percentage": 50, "resets_at": reset})
+                stored = limit(50)
+                self.store(age, five_hour=stored)
                 before = self.file.read_bytes()
-                self.line(session(five_hour={"used_percentage": share, "resets_at": reset}))
+                self.line(session(five_hour=dict(stored, used_percentage=share)))
                 self.assertEqual(self.file.read_bytes() != before, renewed)
                 if renewed:
                     written = json.loads(self.file.read_text())["timestamp"]
@@ -264,88 +225,48 @@ class FileTest(BridgeCase):
 
         for fault, place in (
             ("no JSON", text("{")),
-            ("an array", text("[1]")),
             ("wrong types", text('{"timestamp":[],"rate_limits":{"five_hour":[],"seven_day":7}}')),
             ("deep nesting", text("[" * 100000)),
             ("huge", text('{"a":"' + "x" * 2000000 + '"}')),
             ("a FIFO without a writer", lambda: os.mkfifo(self.file)),
-            ("a dangling link", lambda: self.file.symlink_to("nowhere")),
             ("rests of a killed run", lambda: Path(str(self.file) + ".new").write_text("{")),
-            ("a FIFO as its rest", lambda: os.mkfifo(str(self.file) + ".new")),
         ):
             with self.subTest(fault):
-                shutil.rmtree(self.folder, ignore_errors=True)
-                self.folder.mkdir(parents=True)
+                self.empty(self.folder)
                 place()
                 self.line(session(five_hour=limit(30)))
                 self.assertEqual(self.share(), 0.3)
-                self.assertEqual([path.name for path in self.folder.iterdir()], [self.file.name])
+                self.assertEqual(os.listdir(self.folder), [self.file.name])
 
     def test_where_nothing_can_be_written_the_line_still_comes(self):
-        def full_disk():
-            resource.setrlimit(resource.RLIMIT_FSIZE, (20, 20))
-
-        def file_as_folder():
-            self.folder.rmdir()
-            self.folder.write_text("")
-
         def read_only():
+            self.store(five_hour=limit(10))
             self.folder.chmod(0o500)
             self.addCleanup(self.folder.chmod, 0o700)
 
-        for fault, prepare, options in (
-            ("a folder in its place", self.file.mkdir, {}),
-            ("a file in its folder's place", file_as_folder, {}),
-            ("a full disk", lambda: self.store(five_hour=limit(10)), {"preexec_fn": full_disk}),
-            ("no permission", read_only, {"preexec_fn": without_override}),
+        for fault, prepare, hinder in (
+            ("a folder in its place", self.file.mkdir, None),
+            ("a full disk", lambda: self.store(five_hour=limit(10)), full_disk(20)),
+            ("no permission", read_only, without_override),
         ):
             with self.subTest(fault):
-                shutil.rmtree(self.folder, ignore_errors=True)
-                self.folder.mkdir(parents=True)
+                self.empty(self.folder)
                 prepare()
-                before = self.file.read_bytes() if self.file.is_file() else None
-                line = self.line(session(five_hour=limit(30)), **options)
+                before = self.file.is_file() and self.file.read_bytes()
+                line = self.line(session(five_hour=limit(30)), preexec_fn=hinder)
                 self.assertRegex(line, "^Opus · shop · 5h 30% [12]h..m\n$")
-                after = self.file.read_bytes() if self.file.is_file() else None
-                self.assertEqual(after, before)
-                names = os.listdir(self.folder) if self.folder.is_dir() else []
-                self.assertLessEqual(set(names), {self.file.name})
-                if self.folder.is_file():
-                    self.folder.unlink()
+                self.assertEqual(self.file.is_file() and self.file.read_bytes(), before)
+                self.assertEqual(os.listdir(self.folder), [self.file.name])
 
     def test_fifty_at_once(self):
-        readings = [limit(share, 2 * HOUR) for share in range(1, 41)]
+        readings = [limit(share) for share in range(1, 41)]
         readings += [limit(90, HOUR) for _ in range(10)]
-        newest = max(found["resets_at"] for found in readings)
-        processes = []
-        for found in readings[20:] + readings[:20]:
-            processes.append(self.start())
-            processes[-1].stdin.write(encoded(session(five_hour=found)))
-            processes[-1].stdin.flush()
-        for process in processes:
-            process.stdin.close()  # they were all waiting for this
+        starts = readings[20:] + readings[:20]
+        processes = [self.start(session(five_hour=reading)) for reading in starts]
         while any(process.poll() is None for process in processes):
-            if self.file.exists():
-                self.reading()  # fails on half a file
+            self.reading()  # fails on half a file
         self.assertTrue(all(process.returncode == 0 for process in processes))
-        share, reset = self.reading()[300]
-        self.assertEqual(share, 0.4)
-        self.assertLessEqual(newest - reset, 1)
-        self.assertEqual(os.listdir(self.folder), [self.file.name])
-
-    def test_killed_runs_leave_a_whole_file(self):
-        self.line(session(five_hour=limit(1)))
-        for share in range(2, 12):
-            process = self.start()
-            process.stdin.write(encoded(session(five_hour=limit(share))))
-            process.stdin.close()
-            self.line(session())  # lets the other one get somewhere before its end
-            process.kill()
-            process.wait()
-            self.assertIsNotNone(self.share())
-            self.assertLessEqual(len(os.listdir(self.folder)), 2)
-        self.line(session(five_hour=limit(99)))
-        self.assertEqual(self.share(), 0.99)
+        self.assertEqual(self.share(), 0.4)
         self.assertEqual(os.listdir(self.folder), [self.file.name])
 
     def test_a_lock_that_is_never_given_back(self):
@@ -364,7 +285,8 @@ class LineTest(BridgeCase):
     def test_lines(self):
         hostile = {"model": {"display_name": "Op\x1b[31mus\x9b\r\n"}, "cwd": "/a/\x07b\u202ec/"}
         for fault, given, line in (
-            ("both windows", session(five_hour=limit(23.2, 7830), seven_day=limit(41, 280000)),
+            ("both windows",
+             session(five_hour=limit(23.2, 7830), seven_day=limit(41.00000000000001, 280000)),
              "Opus · shop · 5h 24% 2h10m · 7d 41% 3d\n"),
             ("the last minute", session(five_hour=limit(100, 30)), "Opus · shop · 5h 100% 1m\n"),
             ("no reset", session(five_hour={"used_percentage": 0}), "Opus · shop · 5h 0%\n"),
@@ -387,41 +309,23 @@ class LineTest(BridgeCase):
         # No limits in these, since without HOME the file is in the real home folder; and none
         # must come from the folder in which the bridge happens to be started.
         self.store(five_hour=limit(999))
-        for fault, home in (("unset", {}), ("empty", {"HOME": ""}), ("relative", {"HOME": "."})):
+        for fault, home in (("unset", {}), ("relative", {"HOME": "."})):
             with self.subTest(fault):
                 line = self.line(b"{}", env=dict(home, PATH=os.environ["PATH"]), cwd=self.home)
                 self.assertRegex(line, "^Claude Code")
                 self.assertNotIn("999%", line)
         self.file.unlink()
-        closed = dict(preexec_fn=lambda: os.close(0))
-        self.assertEqual(self.line(b"", **closed), "Claude Code\n")
-        closed = dict(preexec_fn=lambda: (os.close(1), os.close(2)))
-        self.assertEqual(self.line(session(five_hour=limit(30)), **closed), "")
-        self.assertEqual(self.share(), 0.3)
-        reader_gone = self.start()
+        self.assertEqual(self.line(b"", preexec_fn=lambda: os.close(0)), "Claude Code\n")
+        reader_gone = self.start(session())
         reader_gone.stdout.close()
-        reader_gone.stdin.write(encoded(session()))
-        reader_gone.stdin.close()
         self.assertEqual((reader_gone.wait(15), reader_gone.stderr.read()), (0, b""))
 
     def test_input_that_never_ends(self):
-        process = self.start()
+        process = self.start(stdin=subprocess.PIPE)
         process.stdin.write(encoded(session(five_hour=limit(30))))
         process.stdin.flush()
         self.assertEqual(process.wait(15), 0)
         self.assertIn(b"5h 30%", process.stdout.read())
-
-    def test_a_render_starts_without_the_slow_modules(self):
-        command = [sys.executable, "-IS", "-X", "importtime", str(SCRIPT)]
-        result = subprocess.run(
-            command, input=encoded(session(five_hour=limit(30))), env=self.environment,
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=15,
-        )
-        loaded = {row.rpartition("|")[2].strip() for row in result.stderr.decode().splitlines()}
-        self.assertIn("json", loaded)
-        slow = {"argparse", "subprocess", "shlex", "shutil", "signal", "socket", "tempfile",
-                "threading", "typing"}
-        self.assertEqual(loaded & slow, set())
 
 
 class ChainTest(BridgeCase):
@@ -447,18 +351,16 @@ class ChainTest(BridgeCase):
             ("hangs after its line", "echo mine; sleep 60", "mine\n"),
             ("never stops printing", "yes", "y\n" * (1 << 19)),
             ("a helper holds its output", "sleep 60 & echo mine", "mine\n"),
-            ("exactly its bytes", r"printf '\033[1mtwo\nlines'", "\033[1mtwo\nlines"),
             ("the same input", "cat", given.decode()),
-            ("quotes and variables", "a=\"it's\"; echo \"$a\" '$a'", "it's $a\n"),
+            ("quotes and variables", "a=\"it's\"; printf \"$a\" '$a'", "it's"),
             ("input that it does not read", "echo mine", "mine\n"),
             ("printed nothing on purpose", "cat > /dev/null", ""),
-            ("no such command", "/nowhere/at-all", own),
             ("failed without a word", "exit 3", own),
             ("failed after its line", "echo mine; exit 3", "mine\n"),
             ("can still be told to end", "kill -TERM $$; echo late", own),
             ("only blanks", "  ", own),
         )
-        processes = [self.start_on_file(given, "--chain", command) for _, command, _ in rows]
+        processes = [self.start(given, "--chain", command) for _, command, _ in rows]
         self.assertEqual(self.read_pipe(), b"up\n")
         for (fault, _, output), process in zip(rows, processes):
             with self.subTest(fault):
@@ -471,7 +373,7 @@ class ChainTest(BridgeCase):
         self.assertEqual(self.share(), 0.3)
 
     def test_an_overtaken_render_ends_its_command(self):
-        process = self.start("--chain", self.hanging, stdin=subprocess.DEVNULL)
+        process = self.start(b"", "--chain", self.hanging)
         self.assertEqual(self.read_pipe(), b"up\n")
         process.send_signal(signal.SIGTERM)
         self.assertEqual(process.wait(15), 0)
@@ -479,6 +381,12 @@ class ChainTest(BridgeCase):
 
 
 class SettingsTest(BridgeCase):
+    MINE = b'{"statusLine": {"type": "command", "command": "echo mine"}}'
+
+    def setUp(self):
+        super().setUp()
+        self.settings.parent.mkdir()
+
     def command(self):
         return json.loads(self.settings.read_text())["statusLine"]["command"]
 
@@ -490,11 +398,19 @@ class SettingsTest(BridgeCase):
         )
         return result.stdout.decode()
 
+    def listing(self):
+        return sorted(path.name for path in self.settings.parent.iterdir())
+
+    def refused(self, **options):
+        code, output, errors = self.run_action("--install", **options)
+        self.assertEqual((code, output), (1, ""))
+        self.assertRegex(errors, r"^~/\.claude/settings\.json is left as it is: [^\n]+\n$")
+        self.assertEqual(self.listing(), ["settings.json"])
+
     def test_there_and_back(self):
         status_line = '"statusLine": {"padding": 0, "type": "command", "command": "%s"}'
         for fault, text in (
             ("two blanks", '{\n  "model": "opus",\n  "env": {"A": "1"}\n}\n'),
-            ("tabs, no last newline", '{\n\t"z": 1,\n\t"a": [1,\n2]\n}'),
             ("Windows line ends", '{\r\n    "z": 1,\r\n    "a": 2\r\n}\r\n'),
             ("one line", '{"z":1, "a":{}}'),
             ("no members", "{}"),
@@ -504,175 +420,121 @@ class SettingsTest(BridgeCase):
             ("a statusLine inside another object", '{"x": {"statusLine": {"command": "echo"}}}'),
             ("a command", '{\n "a": 1, ' + status_line % "echo 'it is' mine" + ',\n "b": 2 }'),
             ("a quoting command", "{" + status_line % 'echo \\"mine\\" | sed s/x/\'$y\'/' + "}"),
-            ("a command in letters", "{" + status_line % "echo mine # 日本" + "}"),
             ("a command in escapes", "{" + status_line % "echo mine # \\u65e5" + "}"),
             ("a command of lines", "{" + status_line % "echo mine\\nexit 0" + "}"),
             ("an empty command", "{" + status_line % "" + "}"),
         ):
             with self.subTest(fault):
-                shutil.rmtree(self.settings.parent, ignore_errors=True)
+                self.empty(self.settings.parent)
                 original = text.encode()
-                self.write_settings(original)
+                self.settings.write_bytes(original)
                 self.settings.chmod(0o640)
                 before = json.loads(text)
 
                 self.assertEqual(self.run_action("--install")[0], 0)
                 installed = self.settings.read_bytes()
                 after = json.loads(installed)
-                self.assertIn("tallyglass-statusline-bridge.py", self.command())
-                self.assertEqual(
-                    list(after), list(before) + ["statusLine"] * ("statusLine" not in before)
-                )
+                after.setdefault("statusLine", None)
+                self.assertEqual(list(after), list({**before, "statusLine": None}))
                 for name in set(before) - {"statusLine"}:
                     self.assertEqual(repr(after[name]), repr(before[name]))
                 self.assertEqual(installed.isascii(), original.isascii())
                 self.assertIn(installed.count(b"\r\n"), (0, installed.count(b"\n")))
-                if "statusLine" in before:
-                    own = not before["statusLine"]["command"]
-                    self.assertRegex(self.rendered(), "^Opus · shop · 5h 30%" if own else "mine")
-                backups = [name for name in self.listing() if name != "settings.json"]
-                self.assertEqual(len(backups), 1)
-                self.assertRegex(backups[0], r"^settings\.json\.before-tallyglass-20\d{6}-\d{6}$")
-                self.assertEqual((self.settings.parent / backups[0]).read_bytes(), original)
+                shows_theirs = before.get("statusLine", {}).get("command")
+                self.assertIn("mine" if shows_theirs else "Opus · shop · 5h", self.rendered())
+                backup = self.listing()[1]
+                self.assertRegex(backup, r"^settings\.json\.before-tallyglass-20\d{6}-\d{6}$")
+                self.assertEqual((self.settings.parent / backup).read_bytes(), original)
 
                 code, output, _ = self.run_action("--install")
                 self.assertEqual((code, output), (0, "Already installed; nothing changed.\n"))
                 self.assertEqual(self.settings.read_bytes(), installed)
-                self.assertEqual(len(self.listing()), 2)
+                self.assertEqual(self.listing(), ["settings.json", backup])
 
                 self.assertEqual(self.run_action("--uninstall")[0], 0)
                 self.assertEqual(self.settings.read_bytes(), original)
                 self.assertEqual(self.settings.stat().st_mode & 0o777, 0o640)
 
     def test_files_that_are_refused(self):
-        entry = b'"statusLine": {"type": "command", "command": "echo mine"}'
         for fault, content in (
             ("comments", b'{\n  // mine\n  "a": 1\n}'),
-            ("a trailing comma", b'{"a": 1,}'),
             ("an array", b'[{"a": 1}]'),
-            ("a string", b'"{}"'),
             ("nothing", b""),
-            ("cut off", b'{"a": '),
             ("two objects", b"{} {}"),
             ("no JSON number", b'{"a": NaN}'),
-            ("a byte order mark", b"\xef\xbb\xbf{}"),
             ("not UTF-8", b'{"a": "\xe9"}'),
             ("deep nesting", b'{"a":' + b"[" * 100000 + b"]" * 100000 + b"}"),
-            ("two statusLines", b"{" + entry + b", " + entry + b"}"),
-            ("two commands", b'{"statusLine": {"command": "a", "command": "b"}}'),
+            ("two statusLines", self.MINE[:-1] + b", " + self.MINE[1:]),
             ("statusLine is null", b'{"statusLine": null}'),
-            ("statusLine is a string", b'{"statusLine": "command"}'),
             ("statusLine without a command", b'{"statusLine": {"type": "command"}}'),
             ("a command of another type", b'{"statusLine": {"command": ["echo"]}}'),
             ("half a character in a command", b'{"statusLine": {"command": "\\ud800"}}'),
         ):
             with self.subTest(fault):
-                self.write_settings(content)
-                code, output, errors = self.run_action("--install")
-                self.assertEqual((code, output), (1, ""))
-                self.assertRegex(errors, r"^~/\.claude/settings\.json is left as it is: [^\n]+\n$")
+                self.settings.write_bytes(content)
+                self.refused()
                 self.assertEqual(self.settings.read_bytes(), content)
-                self.assertEqual(self.listing(), ["settings.json"])
 
-    def test_files_that_cannot_be_opened(self):
-        def no_folder_access():
-            self.write_settings(b"{}")
-            self.settings.parent.chmod(0o500)
-            self.addCleanup(self.settings.parent.chmod, 0o700)
-
-        def no_file_access():
-            self.write_settings(b"{}")
-            self.settings.chmod(0)
-
-        def read_only():
-            self.write_settings(b"{}")
-            self.settings.chmod(0o400)
-
-        def special(make):
-            self.settings.parent.mkdir()
-            make(self.settings)
-
-        for fault, prepare in (
-            ("a FIFO without a writer", lambda: special(os.mkfifo)),
-            ("a folder", lambda: special(os.mkdir)),
-            ("a link to itself", lambda: special(lambda path: path.symlink_to(path))),
-            ("no right to read", no_file_access),
-            ("no right to write", read_only),
-            ("no right to write the folder", no_folder_access),
+    def test_files_that_cannot_be_replaced(self):
+        content = b'{"a": "' + b"x" * 500 + b'"}'
+        for fault, mode, folder_mode, hinder in (
+            ("no right to read", 0, 0o700, without_override),
+            ("no right to write", 0o400, 0o700, without_override),
+            ("no right to write the folder", 0o600, 0o500, without_override),
+            ("a full disk", 0o600, 0o700, full_disk(520)),
         ):
             with self.subTest(fault):
-                shutil.rmtree(self.settings.parent, ignore_errors=True)
-                prepare()
-                code, output, errors = self.run_action("--install", preexec_fn=without_override)
-                self.assertEqual((code, output), (1, ""))
-                self.assertRegex(errors, r"^~/\.claude/settings\.json is left as it is: [^\n]+\n$")
-                self.assertEqual(self.listing(), ["settings.json"])
-
-    def test_a_full_disk_keeps_the_settings(self):
-        content = b'{"a": "' + b"x" * 500 + b'"}'
-        self.write_settings(content)
-        full = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (520, 520))
-        self.assertEqual(self.run_action("--install", preexec_fn=full)[0], 1)
-        self.assertEqual(self.settings.read_bytes(), content)
-        self.assertEqual(self.listing(), ["settings.json"])
+                self.settings.write_bytes(content)
+                self.settings.chmod(mode)
+                self.settings.parent.chmod(folder_mode)
+                self.refused(preexec_fn=hinder)
+                self.settings.parent.chmod(0o700)
+                self.assertEqual(self.settings.read_bytes(), content)
+                self.settings.unlink()
+        os.mkfifo(self.settings)  # that never gets a writer
+        self.refused()
 
     def test_links_stay_links(self):
         for fault, content in (("to a file", b'{"a": 1}'), ("to nothing yet", None)):
             with self.subTest(fault):
-                shutil.rmtree(self.settings.parent, ignore_errors=True)
-                self.settings.parent.mkdir()
-                target = self.home / "dot files" / (fault + ".json")
-                target.parent.mkdir(exist_ok=True)
+                self.empty(self.settings.parent)
+                target = self.home / (fault + ".json")
                 if content:
                     target.write_bytes(content)
-                self.settings.symlink_to(Path("..") / "dot files" / target.name)
+                self.settings.symlink_to(Path("..") / target.name)
                 self.assertEqual(self.run_action("--install")[0], 0)
                 self.assertTrue(self.settings.is_symlink())
                 self.assertIn("Opus", self.rendered())
                 self.assertEqual(self.run_action("--uninstall")[0], 0)
                 self.assertEqual(target.read_bytes(), content or b"{}\n")
 
-    def test_without_a_backup_nothing_is_changed(self):
-        target = self.home / "dot files" / "claude.json"
-        target.parent.mkdir()
-        target.write_bytes(b"{}")
-        self.settings.parent.mkdir()
-        self.settings.symlink_to(target)
-        self.settings.parent.chmod(0o500)
-        self.addCleanup(self.settings.parent.chmod, 0o700)
-        self.assertEqual(self.run_action("--install", preexec_fn=without_override)[0], 1)
-        self.assertEqual(os.listdir(target.parent), [target.name])
-        self.assertEqual(target.read_bytes(), b"{}")
-
     def test_no_settings_yet(self):
+        self.settings.parent.rmdir()
         self.assertEqual(self.run_action("--status")[1], "Not installed\n")
         self.assertEqual(self.run_action("--uninstall")[0], 0)
         self.assertFalse(self.settings.parent.exists())
         self.assertEqual(self.run_action("--install")[0], 0)
         self.assertEqual(self.run_action("--status"), (0, "Installed\n", ""))
         self.assertIn("Opus", self.rendered())
-        self.assertEqual(self.run_action("--uninstall")[0], 0)
-        self.assertEqual(json.loads(self.settings.read_text()), {})
 
     def test_uninstall_keeps_what_the_user_did_meanwhile(self):
-        self.write_settings(b'{"statusLine": {"type": "command", "command": "echo mine"}}')
+        self.settings.write_bytes(self.MINE)
         self.run_action("--install")
         shown = 'Installed, showing the output of "echo mine"\n'
         self.assertEqual(self.run_action("--status"), (0, shown, ""))
         changed = json.loads(self.settings.read_text())
         changed["statusLine"]["padding"] = 2
         changed["model"] = "opus"
-        self.write_settings(encoded(changed))
+        self.settings.write_bytes(encoded(changed))
         self.assertEqual(self.run_action("--uninstall")[0], 0)
         changed["statusLine"]["command"] = "echo mine"
         self.assertEqual(json.loads(self.settings.read_text()), changed)
-        self.assertEqual(self.run_action("--status"), (0, "Not installed\n", ""))
 
     def test_an_entry_that_moved_to_the_front_is_removed(self):
-        self.write_settings(b'{"a": 1}')
+        self.settings.write_bytes(b'{"a": 1}')
         self.run_action("--install")
         moved = {"statusLine": json.loads(self.settings.read_text())["statusLine"], "a": 1}
-        self.write_settings(encoded(moved))
+        self.settings.write_bytes(encoded(moved))
         self.assertEqual(self.run_action("--uninstall")[0], 0)
         self.assertEqual(self.settings.read_bytes(), b'{"a": 1}')
 
@@ -682,14 +544,13 @@ class SettingsTest(BridgeCase):
         for fault, command, code in (
             ("another command", "echo other", 0),
             ("a pipe behind ours", ours + " | cat", 1),
-            ("a variable before ours", "A=1 " + ours, 1),
             ("ours within quotes", "sh -c " + json.dumps(ours), 1),
             ("a variable within ours", ours.replace(str(SCRIPT), '"$APPS"/' + SCRIPT.name), 1),
             ("unbalanced quotes", ours + " '", 1),
         ):
             with self.subTest(fault):
                 content = encoded({"statusLine": {"type": "command", "command": command}})
-                self.write_settings(content)
+                self.settings.write_bytes(content)
                 self.assertEqual(self.run_action("--uninstall")[0], code)
                 self.assertEqual(self.settings.read_bytes(), content)
                 if code:
@@ -697,8 +558,7 @@ class SettingsTest(BridgeCase):
                     self.assertEqual(self.settings.read_bytes(), content)
 
     def test_a_script_that_moves_keeps_the_chain(self):
-        self.write_settings(b'{"statusLine": {"type": "command", "command": "echo mine"}}')
-        original = self.settings.read_bytes()
+        self.settings.write_bytes(self.MINE)
         self.run_action("--install")
         moved = self.home / "Ada's \"new\" $apps" / SCRIPT.name
         moved.parent.mkdir()
@@ -708,25 +568,17 @@ class SettingsTest(BridgeCase):
         self.assertIn("new", self.command())
         self.assertEqual(self.rendered(), "mine\n")
         self.assertEqual(self.run_action("--uninstall", script=moved)[0], 0)
-        self.assertEqual(self.settings.read_bytes(), original)
+        self.assertEqual(self.settings.read_bytes(), self.MINE)
 
-    def test_a_renamed_script_would_not_be_recognised(self):
-        renamed = self.home / "bridge.py"
-        shutil.copy(SCRIPT, renamed)
+        renamed = moved.rename(self.home / "bridge.py")  # which the application would not know
         self.assertEqual(self.run_action("--install", script=renamed)[0], 1)
-        self.assertFalse(self.settings.exists())
+        self.assertEqual(self.settings.read_bytes(), self.MINE)
 
-    def test_the_script_runs_by_itself_and_knows_its_options(self):
+    def test_misuse(self):
         self.assertTrue(os.access(SCRIPT, os.X_OK))
-        code, output, _ = self.run_action("--help")
-        self.assertEqual((code, output.count("--install")), (0, 2))
         code, output, errors = self.run_action("--instal")
         self.assertEqual((code, output), (2, ""))
         self.assertIn("usage:", errors)
-
-    def test_other_settings_in_force_are_mentioned(self):
-        environment = dict(self.environment, CLAUDE_CONFIG_DIR="/elsewhere")
-        self.assertIn("CLAUDE_CONFIG_DIR", self.run_action("--install", env=environment)[1])
 
 
 if __name__ == "__main__":
