@@ -23,10 +23,9 @@ QByteArray okWithBody(const QByteArray &body)
     return okHead + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
 }
 
-QByteArray challenge(const QByteArray &scheme)
+QByteArray failed(const QByteArray &status)
 {
-    return "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: " + scheme
-        + "\r\nContent-Length: 2\r\n\r\nno";
+    return "HTTP/1.1 " + status + "\r\nContent-Length: 2\r\n\r\nno";
 }
 
 HttpReply ask(HttpClient &http, HttpRequest request)
@@ -54,30 +53,14 @@ private Q_SLOTS:
         const HttpReply none;
         const HttpReply tooLarge{.status = 200, .body = {}};
         test::table<ReplyRow>({
-            {"json", test::saying(okWithBody("{}")), {200, "{}"}},
             {"kept open after the answer", test::sayingAndHolding(okWithBody("{}")), {200, "{}"}},
             {"ends where the connection ends", test::saying(okHead + "\r\n{}"), {200, "{}"}},
-            {"empty", test::saying(okWithBody({})), {200, {}}},
-            {"204", test::saying("HTTP/1.1 204 No Content\r\n\r\n"), {204, {}}},
-            {"redirect",
-             test::saying("HTTP/1.1 302 Found\r\nLocation: http://127.0.0.1:1/\r\n"
-                          "Content-Length: 0\r\n\r\n"),
-             {302, {}}},
-            {"basic challenge", test::saying(challenge("Basic realm=\"a\"")), {401, "no"}},
-            {"digest challenge",
-             test::saying(challenge("Digest realm=\"a\", nonce=\"b\", qop=\"auth\"")),
+            {"asked for a password",
+             test::saying(failed("401 No\r\nWWW-Authenticate: Basic")),
              {401, "no"}},
-            {"negotiate challenge", test::saying(challenge("Negotiate")), {401, "no"}},
-            {"bearer challenge", test::saying(challenge("Bearer")), {401, "no"}},
-            {"404",
-             test::saying("HTTP/1.1 404 Not Found\r\nContent-Length: 1\r\n\r\n?"),
-             {404, "?"}},
-            {"407", test::saying("HTTP/1.1 407 Proxy\r\nContent-Length: 1\r\n\r\n?"), {407, "?"}},
-            {"429",
-             test::saying("HTTP/1.1 429 Slow\r\nRetry-After: 9\r\nContent-Length: 0\r\n\r\n"),
-             {429, {}}},
-            {"500", test::saying("HTTP/1.1 500 Oh\r\nContent-Length: 2\r\n\r\noh"), {500, "oh"}},
-            {"599", test::saying("HTTP/1.1 599 Oh\r\nContent-Length: 2\r\n\r\noh"), {599, "oh"}},
+            {"an error that Qt names", test::saying(failed("404 Not Found")), {404, "no"}},
+            {"an error that Qt does not name", test::saying(failed("429 Slow")), {429, "no"}},
+            {"server in trouble", test::saying(failed("500 Oh")), {500, "no"}},
             {"just small enough", test::saying(okWithBody(largestBody)), {200, largestBody}},
             {"too large", test::sayingAndHolding(okWithBody(largestBody + 'x')), tooLarge},
             {"endless", test::flooding(okHead + "\r\n", largestBody), tooLarge},
@@ -85,21 +68,14 @@ private Q_SLOTS:
              test::saying(okHead + "Content-Encoding: gzip\r\nContent-Length: 2\r\n\r\n\x1f\x8b"),
              {200, "\x1f\x8b"}},
             {"closed without a word", test::saying({}), none},
-            {"reset without a word", test::resettingAfter({}), none},
-            {"reset in the head", test::resettingAfter("HTTP/1.1 200"), none},
-            {"reset in the body", test::resettingAfter(okHead + "Content-Length: 9\r\n\r\n{}"),
-             none},
             {"truncated", test::saying(okHead + "Content-Length: 9\r\n\r\n{}"), none},
-            {"truncated error", test::saying("HTTP/1.1 500 Oh\r\nContent-Length: 9\r\n\r\noh"),
-             none},
+            {"truncated error", test::saying(failed("500 Oh").chopped(1)), none},
             {"not HTTP", test::saying("220 mail.example ESMTP\r\n\r\n"), none},
             {"endless head", test::flooding("HTTP/1.1 200 OK\r\n", "X-Padding: of no use\r\n"),
              none, 100ms},
             {"silent", test::sayingAndHolding({}), none, 100ms},
-            {"silent after the head", test::sayingAndHolding(okHead + "\r\n{"), none, 100ms},
         });
     }
-
     void reply()
     {
         const auto row = test::currentRow<ReplyRow>();
@@ -153,67 +129,37 @@ private Q_SLOTS:
         }
     }
 
-    void redirectsAreFollowedOnlyWhenAsked_data()
-    {
-        QTest::addColumn<bool>("follows");
-        QTest::addColumn<HttpReply>("expected");
-        QTest::addColumn<int>("hops");
-        QTest::newRow("no: a secret stays here") << false << HttpReply{302, {}} << 0;
-        QTest::newRow("yes") << true << HttpReply{200, "there"} << 1;
-    }
-
     void redirectsAreFollowedOnlyWhenAsked()
     {
-        QFETCH(bool, follows);
-        QFETCH(HttpReply, expected);
-        QFETCH(int, hops);
         test::LoopbackServer there(test::saying(okWithBody("there")));
         test::LoopbackServer here(
             test::saying("HTTP/1.1 302 Found\r\nLocation: " + there.url().toEncoded()
                          + "\r\nContent-Length: 0\r\n\r\n"));
         QtHttpClient http;
-        QCOMPARE(ask(http, {.url = here.url(), .followsRedirects = follows}), expected);
-        QCOMPARE(there.requests.size(), hops);
-    }
-
-    void redirectsInACircleEnd()
-    {
-        test::LoopbackServer server(
-            test::saying("HTTP/1.1 302 Found\r\nLocation: /again\r\nContent-Length: 0\r\n\r\n"));
-        QtHttpClient http;
-        QCOMPARE(ask(http, {.url = server.url(), .followsRedirects = true}), HttpReply{});
-        QVERIFY(server.requests.size() <= 10);
-    }
-
-    void asksOnlyOverHttp_data()
-    {
-        QTest::addColumn<QUrl>("url");
-        for (const char *url : {"", "file:///etc/hostname", "data:,hello", "ftp://127.0.0.1/",
-                                "http:", "//127.0.0.1/", "http://127.0.0.1:1/"})
-            QTest::newRow(url) << QUrl(QString::fromLatin1(url));
+        const HttpReply redirect{302, {}};
+        QCOMPARE(ask(http, {.url = here.url()}), redirect);
+        QCOMPARE(there.requests.size(), 0); // A secret stays here.
+        const HttpReply followed{200, "there"};
+        QCOMPARE(ask(http, {.url = here.url(), .followsRedirects = true}), followed);
     }
 
     void asksOnlyOverHttp()
     {
-        QFETCH(QUrl, url);
         QtHttpClient http;
-        QCOMPARE(ask(http, {.url = url}), HttpReply{});
+        for (const char *url : {"", "file:///etc/hostname", "data:,hello", "//127.0.0.1/"})
+            QCOMPARE(ask(http, {.url = QUrl(QString::fromLatin1(url))}), HttpReply{});
     }
 
     void verifiesTheCertificate_data()
     {
         QTest::addColumn<bool>("isTrusted");
-        QTest::addColumn<QString>("host");
         QTest::addColumn<HttpReply>("expected");
-        QTest::newRow("unknown issuer") << false << "127.0.0.1" << HttpReply{};
-        QTest::newRow("trusted") << true << "127.0.0.1" << HttpReply{200, "{}"};
-        QTest::newRow("for another host") << true << "localhost" << HttpReply{};
+        QTest::newRow("unknown issuer") << false << HttpReply{};
+        QTest::newRow("trusted") << true << HttpReply{200, "{}"};
     }
-
     void verifiesTheCertificate()
     {
         QFETCH(bool, isTrusted);
-        QFETCH(QString, host);
         QFETCH(HttpReply, expected);
         const QSslCertificate certificate(test::loopbackCertificate);
         auto tlsServer = std::make_unique<QSslServer>();
@@ -229,9 +175,7 @@ private Q_SLOTS:
             theirs.addCaCertificate(certificate);
         QSslConfiguration::setDefaultConfiguration(theirs);
         QtHttpClient http;
-        QUrl url = server.url(QStringLiteral("https"));
-        url.setHost(host);
-        const HttpReply reply = ask(http, {.url = url});
+        const HttpReply reply = ask(http, {.url = server.url(QStringLiteral("https"))});
         QSslConfiguration::setDefaultConfiguration(before);
         QCOMPARE(reply, expected);
     }

@@ -7,7 +7,6 @@
 
 #include <functional>
 #include <memory>
-#include <sys/socket.h>
 
 namespace tallyglass::test {
 
@@ -27,19 +26,6 @@ inline Script saying(const QByteArray &answer)
 inline Script sayingAndHolding(const QByteArray &answer)
 {
     return [answer](QTcpSocket &client) { client.write(answer); };
-}
-
-/// Sends these bytes and resets the connection.
-inline Script resettingAfter(const QByteArray &answer)
-{
-    return [answer](QTcpSocket &client) {
-        client.write(answer);
-        client.flush();
-        constexpr linger noFarewell{.l_onoff = 1, .l_linger = 0};
-        setsockopt(static_cast<int>(client.socketDescriptor()), SOL_SOCKET, SO_LINGER, &noFarewell,
-                   sizeof noFarewell);
-        client.abort();
-    };
 }
 
 /// Sends this over and over, as fast as it is taken.
