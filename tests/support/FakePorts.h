@@ -84,6 +84,28 @@ class FakeSleepWatch final : public SleepWatch
 {
 };
 
+/// Ready until it is asked.
+class FakeUpdaterEngine final : public UpdaterEngine
+{
+public:
+    void start() override { ++starts; }
+    bool canCheckForUpdates() const override { return canCheck; }
+    void checkForUpdates() override
+    {
+        ++checks;
+        setCanCheck(false);
+    }
+    void setCanCheck(bool value)
+    {
+        canCheck = value;
+        Q_EMIT canCheckForUpdatesChanged();
+    }
+
+    bool canCheck = true;
+    int starts = 0;
+    int checks = 0;
+};
+
 /// A whole machine of fakes. The references stay valid as long as the ports live.
 struct FakePorts
 {

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "services/ClaudeUsageAPI.h"
-#include "services/UsageModel.h"
-#include "support/FakePorts.h"
+#include "support/Machine.h"
 #include "ui/PanelViewModel.h"
-#include "update/AppUpdateChecker.h"
 #include "update/AppUpdater.h"
 
 #include <QColor>
@@ -17,40 +14,25 @@
 
 namespace tallyglass::test {
 
-/// An updater that is always ready, and counts how often it was asked.
-class FakeUpdaterEngine final : public UpdaterEngine
-{
-public:
-    void start() override { }
-    bool canCheckForUpdates() const override { return true; }
-    void checkForUpdates() override { ++checks; }
-
-    int checks = 0;
-};
-
 /// Everything that stands behind the panel, on a machine of fakes.
-struct PanelMachine
+struct PanelMachine : Machine
 {
-    explicit PanelMachine(const QString &homeFolder, const QString &publicKey = {})
-        : fake(portsFor(homeFolder, publicKey))
+    explicit PanelMachine(const QString &homeFolder = {}, const QString &publicKey = {})
+        : Machine(homeFolder)
+        , updater(published(publicKey), &engine)
     {
     }
 
-    FakePorts fake;
     FakeUpdaterEngine engine;
-    ClaudeUsageAPI api{fake.ports.host, fake.clock, fake.http, fake.keychain};
-    AppUpdateChecker updates{fake.clock, fake.http, fake.ports.host};
-    UsageModel model{fake.ports, api, updates};
-    AppUpdater updater{fake.ports.host, &engine};
+    AppUpdater updater;
     PanelViewModel viewModel{model, updater, fake.defaults, fake.clock};
 
 private:
-    static FakePorts portsFor(const QString &homeFolder, const QString &publicKey)
+    const Host &published(const QString &publicKey)
     {
-        FakePorts fake(homeFolder);
         fake.ports.host.feedUrl = QStringLiteral("https://feed.example/appcast.xml");
         fake.ports.host.publicKey = publicKey;
-        return fake;
+        return fake.ports.host;
     }
 };
 

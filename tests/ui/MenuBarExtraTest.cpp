@@ -1,17 +1,10 @@
 #include "ui/MenuBarExtra.h"
 
-#include "services/ClaudeUsageAPI.h"
-#include "services/UsageModel.h"
 #include "store/BudgetsFile.h"
-#include "support/FakePorts.h"
+#include "support/PanelMachine.h"
 #include "support/QuickItems.h"
-#include "support/TemporaryHome.h"
-#include "update/AppUpdateChecker.h"
-#include "update/AppUpdater.h"
 
-#include <QGuiApplication>
-#include <QQuickView>
-#include <QSignalSpy>
+#include <QRegularExpression>
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <set>
@@ -23,25 +16,36 @@ using namespace tallyglass;
 namespace {
 
 /// The program's windows on a machine of fakes that has no tray.
-struct Desktop
+struct Desktop : test::PanelMachine
 {
-    test::TemporaryHome home;
-    test::FakePorts machine{home.path()};
-    ClaudeUsageAPI api{machine.ports.host, machine.clock, machine.http, machine.keychain};
-    AppUpdateChecker updates{machine.clock, machine.http, machine.ports.host};
-    UsageModel model{machine.ports, api, updates};
-    AppUpdater updater{machine.ports.host, nullptr};
-    MenuBarExtra extra{model, updater, machine.ports};
-
     QQuickView &openedPanel()
     {
         extra.openPanel();
-        return *extra.panel();
+        return activated(*extra.panel());
     }
     QQuickView &openedSettings()
     {
         extra.openSettings();
-        return *extra.settings();
+        return activated(*extra.settings());
+    }
+    QList<QQuickItem *> inSettings(const char *name)
+    {
+        return test::itemsNamed(QString::fromLatin1(name), *extra.settings()->rootObject());
+    }
+    std::int64_t budget() const
+    {
+        return loadBudgets(StorageLocations(fake.ports.host))
+            .budget(UsageProvider::Codex, UsageWindowKind::FiveHours);
+    }
+
+    MenuBarExtra extra{model, updater, fake.ports};
+
+private:
+    static QQuickView &activated(QQuickView &view)
+    {
+        if (!QTest::qWaitForWindowActive(&view))
+            qFatal("the window does not become active");
+        return view;
     }
 };
 
@@ -62,7 +66,6 @@ private Q_SLOTS:
     {
         Desktop desktop;
         QQuickView &panel = desktop.openedPanel();
-        QVERIFY(QTest::qWaitForWindowActive(&panel));
         QVERIFY(panel.width() >= 300 && panel.height() >= 300);
         QTest::keyClick(&panel, Qt::Key_Comma, Qt::ControlModifier);
         QVERIFY(!panel.isVisible());
@@ -71,47 +74,34 @@ private Q_SLOTS:
         QTest::keyClick(&settings, Qt::Key_Escape);
         QVERIFY(!settings.isVisible());
 
-        desktop.extra.openPanel();
-        QVERIFY(QTest::qWaitForWindowActive(&panel));
-        QTest::keyClick(&panel, Qt::Key_Escape);
-        QVERIFY(!panel.isVisible());
-    }
-
-    void aKeyRefreshes()
-    {
-        Desktop desktop;
-        QQuickView &panel = desktop.openedPanel();
-        QVERIFY(QTest::qWaitForWindowActive(&panel));
+        desktop.openedPanel();
         QTest::keyClick(&panel, Qt::Key_R, Qt::ControlModifier);
         QVERIFY(desktop.model.isRefreshing());
         QTRY_VERIFY(!desktop.model.isRefreshing());
+        QTest::keyClick(&panel, Qt::Key_Escape);
+        QVERIFY(!panel.isVisible());
     }
 
     void aBudgetIsTypedAndFoundOnDisk()
     {
         Desktop desktop;
         QQuickView &settings = desktop.openedSettings();
-        QVERIFY(QTest::qWaitForWindowActive(&settings));
-        const auto fields = test::itemsNamed(QStringLiteral("budget"), *settings.rootObject());
+        const auto fields = desktop.inSettings("budget");
         QCOMPARE(fields.size(), 6);
         const auto type = [&](QQuickItem &field, const char *text) {
             field.forceActiveFocus(Qt::TabFocusReason);
             for (const char *key = text; *key; ++key)
                 QTest::keyClick(&settings, *key);
         };
-        const auto budget = [&] {
-            return loadBudgets(StorageLocations(desktop.machine.ports.host))
-                .budget(UsageProvider::Codex, UsageWindowKind::FiveHours);
-        };
 
         type(*fields[0], "777");
         QTest::keyClick(&settings, Qt::Key_Tab);
-        QCOMPARE(budget(), 777);
+        QCOMPARE(desktop.budget(), 777);
         QVERIFY(fields[1]->hasActiveFocus()); // which storing must not take away
 
         type(*fields[0], "-5");
         QTest::keyClick(&settings, Qt::Key_Return);
-        QCOMPARE(budget(), 0);
+        QCOMPARE(desktop.budget(), 0);
         QCOMPARE(fields[0]->property("text").toString(), QStringLiteral("0"));
 
         // Esc first takes back what was typed, and then closes the window.
@@ -121,44 +111,42 @@ private Q_SLOTS:
         QVERIFY(settings.isVisible());
         QTest::keyClick(&settings, Qt::Key_Escape);
         QVERIFY(!settings.isVisible());
-        QCOMPARE(budget(), 0);
+        QCOMPARE(desktop.budget(), 0);
     }
 
     void whatIsBeingTypedIsStoredWhenTheProgramEnds()
     {
         Desktop desktop;
         QQuickView &settings = desktop.openedSettings();
-        QVERIFY(QTest::qWaitForWindowActive(&settings));
-        test::itemsNamed(QStringLiteral("budget"), *settings.rootObject())[0]->forceActiveFocus();
+        desktop.inSettings("budget").front()->forceActiveFocus();
         QTest::keyClick(&settings, Qt::Key_7);
         desktop.extra.quit();
-        QCOMPARE(loadBudgets(StorageLocations(desktop.machine.ports.host))
-                     .budget(UsageProvider::Codex, UsageWindowKind::FiveHours),
-                 7);
+        QCOMPARE(desktop.budget(), 7);
     }
 
     void aRefusedLoginItemSwitchesBack()
     {
         Desktop desktop;
-        desktop.machine.loginItem.refusal = QStringLiteral("Operation not permitted");
+        desktop.fake.loginItem.refusal = QStringLiteral("Operation not permitted");
         QQuickView &settings = desktop.openedSettings();
-        QVERIFY(QTest::qWaitForWindowActive(&settings));
-        QQuickItem &item =
-            *test::itemsNamed(QStringLiteral("launchAtLogin"), *settings.rootObject())[0];
+        QQuickItem &item = *desktop.inSettings("launchAtLogin").front();
         item.forceActiveFocus();
         QTest::keyClick(&settings, Qt::Key_Space);
         QVERIFY(!item.property("checked").toBool());
-        const QQuickItem &error =
-            *test::itemsNamed(QStringLiteral("launchAtLoginError"), *settings.rootObject())[0];
+        const QQuickItem &error = *desktop.inSettings("launchAtLoginError").front();
         QVERIFY(error.isVisible());
         QCOMPARE(error.property("text").toString(), QStringLiteral("Operation not permitted"));
+
+        desktop.fake.loginItem.refusal.reset();
+        QTest::keyClick(&settings, Qt::Key_Space);
+        QVERIFY(item.property("checked").toBool());
+        QVERIFY(!error.isVisible());
     }
 
     void tabReachesEverything()
     {
         Desktop desktop;
         QQuickView &settings = desktop.openedSettings();
-        QVERIFY(QTest::qWaitForWindowActive(&settings));
         std::set<QString> reached;
         for (int i = 0; i < 14; ++i) {
             QTest::keyClick(&settings, Qt::Key_Tab);

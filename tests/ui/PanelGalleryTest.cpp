@@ -3,7 +3,6 @@
 #include "support/PanelMachine.h"
 #include "support/QuickItems.h"
 #include "support/Table.h"
-#include "support/TemporaryHome.h"
 #include "support/TestData.h"
 #include "ui/MenuBarExtra.h"
 
@@ -120,9 +119,8 @@ private Q_SLOTS:
 
         const Instant now = test::FakeClock().now();
         const DemoHome demo(now);
-        const test::TemporaryHome empty;
         const bool usesDemo = row.state != State::Nothing && row.state != State::Extremes;
-        test::PanelMachine machine(usesDemo ? demo.path() : empty.path());
+        test::PanelMachine machine(usesDemo ? demo.path() : QString());
         if (row.state == State::Working || row.state == State::Week) {
             machine.fake.http.replies = {{200, "{}"}};
         } else if (row.state == State::EveryNotice) {
@@ -130,7 +128,7 @@ private Q_SLOTS:
             QVERIFY(QFile::remove(demo.path() + QStringLiteral("/.claude/.credentials.json")));
             machine.fake.http.replies = {{200, test::testData("feed-release-notes.xml")}};
         } else if (row.state == State::Extremes) {
-            writeExtremes(empty, now);
+            writeExtremes(machine.home, now);
         }
         QCoro::waitFor(machine.model.refresh());
         if (row.state == State::Week) {

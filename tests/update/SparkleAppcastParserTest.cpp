@@ -66,16 +66,10 @@ private Q_SLOTS:
              "<enclosure url='https://a.example/1' sparkle:version='10' "
              "sparkle:shortVersionString='1.0'/>",
              "-|10|1.0|https://a.example/1|-|-"},
-            {"bare attributes", "<enclosure version='10' shortVersionString='1.0'/>",
-             "-|10|1.0|-|-|-"},
-            {"prefixed before bare", "<enclosure version='9' sparkle:version='10'/>",
-             "-|10|-|-|-|-"},
             {"elements",
              "<sparkle:version> 10\n</sparkle:version><title>A</title>"
              "<sparkle:shortVersionString>1.0</sparkle:shortVersionString>",
              "A|10|1.0|-|-|-"},
-            {"the last counts", "<version>9</version><enclosure sparkle:version='10'/>",
-             "-|10|-|-|-|-"},
             {"what is empty does not count", "<version>9</version><enclosure version=''/><title/>",
              "-|9|-|-|-|-"},
             {"escaped and plain notes",
@@ -86,10 +80,6 @@ private Q_SLOTS:
              "<title>1</title><description><p>A <b>B</b></p>"
              "</description>",
              "1|-|-|-|A B|-"},
-            {"other elements' children",
-             "<title>1</title><image><title>2</title><enclosure "
-             "url='https://a.example/2'/></image>",
-             "1|-|-|-|-|-"},
             {"links that are not of the web",
              "<title>1</title><enclosure url='ftp://a.example/1'/>"
              "<releaseNotesLink>/notes.html</releaseNotesLink>",
@@ -116,7 +106,6 @@ private Q_SLOTS:
              "<shortVersionString>2.0.1</shortVersionString>",
              "2.0.1"},
             {"title without the word", "<title>Version 2.0 </title><version>20</version>", "2.0"},
-            {"every word of it", "<title>Lantern Version Version 2</title>", "Lantern 2"},
             {"build last", "<title> </title><version>20</version>", "20"},
         });
     }
@@ -133,19 +122,14 @@ private Q_SLOTS:
         const QByteArray item = "<item><title>1</title></item>";
         const QByteArray deep = QByteArray("<a>").repeated(50'000);
         test::table<FeedRow>({
-            {"of attributes", test::testData("feed-newest-in-the-middle.xml"), 3},
-            {"with deltas", test::testData("feed-deltas.xml"), 1},
-            {"item without a version", test::testData("feed-titles-only.xml"), 1},
             {"no items", feedOf(""), 0},
             {"mark of the byte order", "\xEF\xBB\xBF" + feedOf(item), 1},
-            {"empty", "", std::nullopt},
             {"a page that is no XML", "<html><br><p>Not found</html>", std::nullopt},
-            {"torn", test::testData("feed-torn.xml"), std::nullopt},
+            {"torn", feedOf(item).chopped(9), std::nullopt},
             {"more after the end", feedOf(item) + "<rss/>", std::nullopt},
-            {"document type", test::testData("feed-document-type.xml"), std::nullopt},
-            {"undeclared entity", feedOf(item + "&light;"), std::nullopt},
-            {"as large as allowed",
-             feedOf(item).leftJustified(static_cast<int>(largestHttpBody), '\n'), 1},
+            {"declared entity",
+             R"(<!DOCTYPE rss [<!ENTITY light "light">]>)" + feedOf(item + "&light;"),
+             std::nullopt},
             {"too large", feedOf(item).leftJustified(static_cast<int>(largestHttpBody) + 1, '\n'),
              std::nullopt},
             {"flood of items", feedOf(item.repeated(30'000)), 30'000},
@@ -154,10 +138,6 @@ private Q_SLOTS:
                     + "</title></item>"),
              1},
             {"flood of attributes", feedOf("<item " + numbered("a", "='>' ", 50'000) + "/>"),
-             std::nullopt},
-            {"flood of attribute declarations",
-             "<!-- <rss> --><!DOCTYPE rss [" + numbered("<!ATTLIST a a", " CDATA ''>", 30'000)
-                 + "]><rss/>",
              std::nullopt},
             {"flood of namespaces", feedOf(numbered("<a xmlns:a", "='u'>", 40'000)), std::nullopt},
             {"too deep", feedOf("<item><title>" + deep), std::nullopt},
@@ -175,13 +155,6 @@ private Q_SLOTS:
         QCOMPARE(items.has_value(), row.count.has_value());
         if (items)
             QCOMPARE(items->size(), *row.count);
-    }
-
-    void patchesAreNotOffered()
-    {
-        const auto items = SparkleAppcastParser::parse(test::testData("feed-deltas.xml"));
-        QCOMPARE(toText(items.value().at(0)),
-                 QStringLiteral("2.0|200|2.0|https://lantern.example/Lantern-2.0.zip|-|-"));
     }
 };
 

