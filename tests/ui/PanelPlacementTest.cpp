@@ -31,7 +31,6 @@ private Q_SLOTS:
             {"icon in the corner", panel, {1250, 874, 22, 22}, barBelow, {916, 266}},
             {"bar at the left", panel, {8, 870, 22, 22}, barLeft, {44, 266}},
             {"second screen", panel, {3170, 1055, 22, 22}, second, {2836, 446}},
-            {"a click instead of an icon", panel, {700, 10, 1, 1}, barAbove, {521, 34}},
             {"no icon", panel, {}, barAbove, {916, 34}},
             {"panel higher than the screen", {360, 1000}, {600, 874, 22, 22}, barBelow, {431, 4}},
         });

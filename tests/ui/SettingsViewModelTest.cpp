@@ -1,12 +1,8 @@
 #include "ui/SettingsViewModel.h"
 
-#include "services/ClaudeUsageAPI.h"
-#include "services/UsageModel.h"
 #include "store/BudgetsFile.h"
-#include "support/FakePorts.h"
+#include "support/Machine.h"
 #include "support/Table.h"
-#include "support/TemporaryHome.h"
-#include "update/AppUpdateChecker.h"
 #include "update/AppUpdater.h"
 
 #include <QSignalSpy>
@@ -17,16 +13,10 @@ namespace {
 
 const auto budgetsFile = QStringLiteral("Library/Application Support/Tallyglass/budgets.json");
 
-/// The settings of a machine of fakes, in a home of their own.
-struct Settings
+struct Settings : test::Machine
 {
-    test::TemporaryHome home;
-    test::FakePorts machine{home.path()};
-    ClaudeUsageAPI api{machine.ports.host, machine.clock, machine.http, machine.keychain};
-    AppUpdateChecker updates{machine.clock, machine.http, machine.ports.host};
-    UsageModel model{machine.ports, api, updates};
-    AppUpdater updater{machine.ports.host, nullptr};
-    SettingsViewModel viewModel{model, updater, machine.ports};
+    AppUpdater updater{fake.ports.host, nullptr};
+    SettingsViewModel viewModel{model, updater, fake.ports};
 };
 
 } // namespace
@@ -56,24 +46,13 @@ private Q_SLOTS:
     void aBudgetIsStoredAtOnce_data()
     {
         test::table<BudgetRow>({
-            {"plain", QStringLiteral("2000000"), 2'000'000},
             {"as it is shown", QStringLiteral("2,000,000"), 2'000'000},
-            {"with spaces", QStringLiteral("  2 000 000 "), 2'000'000},
             {"of an input method", QStringLiteral("２０００，０００"), 2'000'000},
-            {"zero", QStringLiteral("0"), 0},
             {"negative", QStringLiteral("-5"), 0},
-            {"minus of an input method", QStringLiteral("－5"), 0},
-            {"the largest", QStringLiteral("999999999999"), 999'999'999'999},
             {"too large", QStringLiteral("1000000000000"), 1'250'000},
             {"beyond 64 bits", QStringLiteral("99999999999999999999999"), 1'250'000},
-            {"negative beyond 64 bits", QStringLiteral("-9223372036854775809"), 1'250'000},
             {"nothing", QString(), 1'250'000},
-            {"a lone minus", QStringLiteral("-"), 1'250'000},
-            {"only separators", QStringLiteral(",,"), 1'250'000},
-            {"a word", QStringLiteral("viel"), 1'250'000},
             {"an exponent", QStringLiteral("1e9"), 1'250'000},
-            {"a unit", QStringLiteral("2M"), 1'250'000},
-            {"minus within", QStringLiteral("1-5"), 1'250'000},
         });
     }
     void aBudgetIsStoredAtOnce()
@@ -85,14 +64,12 @@ private Q_SLOTS:
         const QSignalSpy shown(&field, &BudgetField::textChanged);
         field.enter(row.written);
 
-        const StorageLocations locations(settings.machine.ports.host);
+        const StorageLocations locations(settings.fake.ports.host);
         const UsageBudgets stored = loadBudgets(locations);
         QCOMPARE(stored.budget(UsageProvider::Claude, UsageWindowKind::FiveHours), row.stored);
         QCOMPARE(stored.budget(UsageProvider::Claude, UsageWindowKind::Week), 5'000'000);
-        QCOMPARE(stored.budget(UsageProvider::Codex, UsageWindowKind::FiveHours), 1'250'000);
         QCOMPARE(field.text(), QLocale().toString(qint64{row.stored}));
         QCOMPARE(shown.size(), 1); // What was not taken must go from the field, too.
-        QCOMPARE(settings.home.read(budgetsFile).isEmpty(), row.stored == 1'250'000);
     }
 
     void whatOthersStoredIsKeptAndShown()
@@ -113,10 +90,8 @@ private Q_SLOTS:
     void theThresholdMovesInSteps_data()
     {
         test::table<ThresholdRow>({
-            {"step", 0.85, 0.85, QStringLiteral("しきい値 85%")},
             {"noise of the slider", 0.5500000000000003, 0.55, QStringLiteral("しきい値 55%")},
             {"between steps", 0.71, 0.70, QStringLiteral("しきい値 70%")},
-            {"below the range", 0.1, 0.5, QStringLiteral("しきい値 50%")},
             {"above the range", 1.0, 0.95, QStringLiteral("しきい値 95%")},
         });
     }
@@ -126,7 +101,7 @@ private Q_SLOTS:
         Settings settings;
         QCOMPARE(settings.viewModel.thresholdText(), QStringLiteral("しきい値 80%"));
         settings.viewModel.setAlertThreshold(row.set);
-        QCOMPARE(settings.machine.defaults.values[QStringLiteral("alertThreshold")].toDouble(),
+        QCOMPARE(settings.fake.defaults.values[QStringLiteral("alertThreshold")].toDouble(),
                  row.stored);
         QCOMPARE(settings.viewModel.thresholdText(), row.text);
     }
@@ -136,60 +111,34 @@ private Q_SLOTS:
         Settings settings;
         QVERIFY(!settings.viewModel.alertsEnabled());
         settings.viewModel.setAlertsEnabled(true);
-        QVERIFY(settings.machine.defaults.values[QStringLiteral("alertsEnabled")].toBool());
-        QCOMPARE(settings.machine.notifier.permissionRequests, 1);
+        QVERIFY(settings.fake.defaults.values[QStringLiteral("alertsEnabled")].toBool());
+        QCOMPARE(settings.fake.notifier.permissionRequests, 1);
         settings.viewModel.setAlertsEnabled(false);
         QVERIFY(!settings.viewModel.alertsEnabled());
-        QCOMPARE(settings.machine.notifier.permissionRequests, 1);
+        QCOMPARE(settings.fake.notifier.permissionRequests, 1);
     }
 
-    void aRefusedLoginItemGoesBackAndSaysWhy()
+    void toolsAndEndpointAreShown()
     {
         Settings settings;
-        settings.machine.loginItem.refusal = QStringLiteral("Operation not permitted");
-        const QSignalSpy shown(&settings.viewModel, &SettingsViewModel::loginItemChanged);
-        settings.viewModel.setLaunchAtLogin(true);
-        QVERIFY(!settings.viewModel.launchAtLogin());
-        QCOMPARE(settings.viewModel.launchAtLoginError(),
-                 QStringLiteral("Operation not permitted"));
-        QCOMPARE(shown.size(), 1);
-
-        settings.machine.loginItem.refusal.reset();
-        settings.viewModel.setLaunchAtLogin(true);
-        QVERIFY(settings.viewModel.launchAtLogin());
-        QCOMPARE(settings.viewModel.launchAtLoginError(), QString());
-    }
-
-    void toolsAreShownAsDetected()
-    {
-        Settings settings;
-        const QString path = settings.home.write(QStringLiteral(".local/bin/claude"));
-        QFile(path).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+        settings.writeExecutable(QStringLiteral(".local/bin/claude"));
         settings.home.write(
             QStringLiteral(".claude/settings.json"),
             R"({"statusLine":{"command":"python3 /x/tallyglass-statusline-bridge.py"}})");
-        QCoro::waitFor(settings.model.recheckCLIs());
+        QCOMPARE(settings.viewModel.apiStatusText(), QStringLiteral("Claude使用量API: 未実行"));
+        QCoro::waitFor(settings.model.refresh());
+        QVERIFY(settings.viewModel.apiStatusText().contains(QStringLiteral("トークン未検出")));
 
         const QList<CLIStatusRow> rows = settings.viewModel.cliRows();
         QCOMPARE(rows.size(), 3);
         const CLIStatusRow &claude = rows[1];
         QCOMPARE(claude.name, QStringLiteral("Claude Code"));
-        QCOMPARE(claude.executableName, QStringLiteral("claude"));
         QCOMPARE(claude.stateText, QStringLiteral("検出済み"));
-        QCOMPARE(claude.detectedPath, path);
-        QCOMPARE(claude.installHint, QString());
+        QCOMPARE(claude.detectedPath, settings.home.path(QStringLiteral(".local/bin/claude")));
         QCOMPARE(claude.dataText,
                  QStringLiteral("データ: ") + settings.home.path(QStringLiteral(".claude")));
         QCOMPARE(claude.integrationHint,
                  QStringLiteral("Claude CodeのstatusLineブリッジは設定済みです。"));
-    }
-
-    void theEndpointsLastAnswerIsShown()
-    {
-        Settings settings;
-        QCOMPARE(settings.viewModel.apiStatusText(), QStringLiteral("Claude使用量API: 未実行"));
-        QCoro::waitFor(settings.model.refresh());
-        QVERIFY(settings.viewModel.apiStatusText().contains(QStringLiteral("トークン未検出")));
     }
 };
 
