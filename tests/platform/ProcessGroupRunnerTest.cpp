@@ -3,6 +3,8 @@
 #include "support/Table.h"
 #include "support/TemporaryHome.h"
 
+#include <cerrno>
+#include <csignal>
 #include <memory>
 
 using namespace tallyglass;
@@ -22,14 +24,16 @@ QList<pid_t> notedProcesses(const test::TemporaryHome &folder)
     return processes;
 }
 
-/// A process that nobody has waited for yet is gone too.
+/// A process that nobody has waited for yet is gone too; only /proc, where there is one, tells.
 bool isGone(pid_t process)
 {
     QFile status(QStringLiteral("/proc/%1/stat").arg(process));
-    if (!status.open(QIODevice::ReadOnly))
-        return true;
-    const QByteArray line = status.readAll();
-    return line.mid(line.lastIndexOf(')') + 2, 1) == "Z";
+    if (status.open(QIODevice::ReadOnly)) {
+        const QByteArray line = status.readAll();
+        if (line.mid(line.lastIndexOf(')') + 2, 1) == "Z")
+            return true;
+    }
+    return kill(process, 0) != 0 && errno == ESRCH;
 }
 
 bool areGone(const QList<pid_t> &processes)
