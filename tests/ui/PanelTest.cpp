@@ -225,6 +225,47 @@ private Q_SLOTS:
         QCOMPARE(panel.viewModel.history().range, HistoryRange::Week);
     }
 
+    void rowsStayWhenTheirFiguresChange()
+    {
+        test::PanelMachine machine;
+        machine.home.write(
+            QStringLiteral(".codex/sessions/rollout-1.jsonl"),
+            R"({"timestamp":"2024-05-01T12:00:00Z","model":"gpt-5","total_tokens":9})");
+        QCoro::waitFor(machine.model.refresh());
+        const OpenPanel panel(machine.viewModel);
+        const QList<QQuickItem *> providers = panel.items("providerRow");
+        const QList<QQuickItem *> models = panel.items("modelName");
+        QCOMPARE(models.size(), 1);
+        machine.fake.clock.advance(1min);
+        QCoro::waitFor(machine.model.refresh());
+        QCOMPARE(panel.items("providerRow"), providers);
+        QCOMPARE(panel.items("modelName"), models);
+    }
+
+    void namesOnlyTheToolsInTheRange()
+    {
+        test::PanelMachine machine;
+        const auto sample = [](const char *provider, const char *date) {
+            return QStringLiteral(R"({"id":"%1","date":"%2","provider":"%3","fiveHourPercent":0.5,)"
+                                  R"("weekPercent":0.5,"totalTokens":1})")
+                .arg(QUuid::createUuid().toString(QUuid::WithoutBraces), QLatin1String(date),
+                     QLatin1String(provider));
+        };
+        machine.home.write(
+            QStringLiteral("Library/Application Support/Tallyglass/usage_history.json"),
+            QStringLiteral("[%1,%2]")
+                .arg(sample("codex", "2024-04-29T10:30:00Z"),
+                     sample("claude", "2024-05-01T10:30:00Z"))
+                .toUtf8());
+        QCoro::waitFor(machine.model.refresh());
+        const OpenPanel panel(machine.viewModel);
+        QCOMPARE(panel.text("legend"), QStringLiteral("Claude"));
+        machine.viewModel.setHistoryIndex(1);
+        QCOMPARE(panel.items("legend").size(), 2);
+        machine.viewModel.setHistoryIndex(0);
+        QCOMPARE(panel.text("legend"), QStringLiteral("Claude"));
+    }
+
     void countsDownAnewWhenItOpens()
     {
         DemoPanel panel;
