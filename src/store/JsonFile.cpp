@@ -25,7 +25,7 @@ bool writeWhole(QFile &file, const QByteArray &content)
 
 std::optional<QJsonDocument> readJsonFile(const QString &path)
 {
-    constexpr qint64 largestSize = 64 * 1024 * 1024; // bytes; our own files stay far below
+    constexpr qint64 largestSize = 64LL * 1024 * 1024; // bytes; our own files stay far below
     // Looked at before it is opened: opening a pipe would wait for somebody to write to it.
     const QFileInfo info(path);
     QFile file(path);

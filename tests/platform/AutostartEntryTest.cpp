@@ -2,8 +2,11 @@
 
 #include "platform/linux/ConfigFolder.h"
 #include "platform/linux/DesktopEntry.h"
+#include "support/FullDisk.h"
 #include "support/Table.h"
 #include "support/TemporaryHome.h"
+
+#include <QDir>
 
 #include <cerrno>
 #include <cstring>
@@ -50,6 +53,7 @@ private Q_SLOTS:
         const QByteArray ours = head + "Exec=" + program.toUtf8() + '\n';
         test::table<EntryRow>({
             {"with arguments", head + "Exec=\"" + program.toUtf8() + "\" --quiet\n", true},
+            {"by a link", head + "Exec=/bin/env\n", true}, // to /usr/bin
             {"without its folder", head + "Exec = env\nHidden = false\n", true},
             {"in the way of other systems",
              "\n# x\n[Other]\nExec=no\n" + ours + "[Action]\nExec=no\n", true},
@@ -103,6 +107,17 @@ private Q_SLOTS:
         AutostartEntry item = itemIn(config);
         QCOMPARE(item.setEnabled(true), QString::fromLocal8Bit(std::strerror(EEXIST)));
         QVERIFY(!item.isEnabled());
+    }
+
+    void aFullDiskLeavesNoHalfFile()
+    {
+        const test::TemporaryHome config;
+        AutostartEntry item = itemIn(config);
+        {
+            const test::FullDisk disk(20);
+            QVERIFY(item.setEnabled(true).has_value());
+        }
+        QVERIFY(QDir(config.path(QStringLiteral("autostart"))).isEmpty());
     }
 
     void aRelativeConfigFolderDoesNotCount()

@@ -49,6 +49,7 @@ private Q_SLOTS:
             {"as it is shown", QStringLiteral("2,000,000"), 2'000'000},
             {"of an input method", QStringLiteral("２０００，０００"), 2'000'000},
             {"negative", QStringLiteral("-5"), 0},
+            {"minus of an input method", QStringLiteral("－5"), 0},
             {"too large", QStringLiteral("1000000000000"), 1'250'000},
             {"beyond 64 bits", QStringLiteral("99999999999999999999999"), 1'250'000},
             {"nothing", QString(), 1'250'000},
