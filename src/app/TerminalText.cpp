@@ -37,7 +37,7 @@ int characterWidth(char32_t character)
 
 QString blanks(int count)
 {
-    return QString(std::max(count, 0), u' ');
+    return QStringLiteral(" ").repeated(std::max(count, 0));
 }
 
 } // namespace

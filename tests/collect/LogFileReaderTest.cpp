@@ -12,7 +12,7 @@ using namespace tallyglass;
 
 namespace {
 
-constexpr qsizetype readAtOnce = 256 * 1024; // bytes that the reader asks for
+constexpr qsizetype readAtOnce = 131'072; // bytes that the reader asks for
 const QByteArray one = R"({"input_tokens":1})";
 const QByteArray two = R"({"input_tokens":2})";
 

@@ -12,7 +12,7 @@ namespace {
 
 /// This test's program as it runs when it is started with a home folder: has a child of its own,
 /// whose number it prints, and waits for it.
-int runChild(int argc, char *argv[])
+int runChild(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     const QString home = QString::fromLocal8Bit(argv[1]);

@@ -9,6 +9,8 @@ class SystemClockTest : public QObject
 {
     Q_OBJECT
 
+    SystemClock m_clock;
+
 private Q_SLOTS:
     void zoneFollowsTheSystemWhileWeRun()
     {
@@ -36,9 +38,6 @@ private Q_SLOTS:
         clock.reset();
         QVERIFY(nap.isReady());
     }
-
-private:
-    SystemClock m_clock;
 };
 
 QTEST_GUILESS_MAIN(SystemClockTest)

@@ -56,7 +56,7 @@ public:
 
     QUrl url(const QString &scheme = QStringLiteral("http")) const
     {
-        return QUrl(QStringLiteral("%1://127.0.0.1:%2/").arg(scheme).arg(m_server->serverPort()));
+        return {QStringLiteral("%1://127.0.0.1:%2/").arg(scheme).arg(m_server->serverPort())};
     }
 
     QList<QByteArray> requests; ///< from the first line to the empty one

@@ -62,10 +62,11 @@ QString toText(const ProviderUsageSummary &summary)
 {
     QStringList parts{toText(summary.tokens)
                       + QStringLiteral(" in %1 events").arg(summary.eventCount)};
-    for (const ModelUsageSummary &model : summary.models)
+    for (const ModelUsageSummary &model : summary.models) {
         parts += QStringLiteral("%1 %2 in %3")
                      .arg(model.model, toText(model.tokens))
                      .arg(model.eventCount);
+    }
     if (summary.rateLimit)
         parts += toText(*summary.rateLimit);
     return parts.join(QStringLiteral(", "));

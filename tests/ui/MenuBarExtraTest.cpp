@@ -28,7 +28,7 @@ struct Desktop : test::PanelMachine
         extra.openSettings();
         return activated(*extra.settings());
     }
-    QList<QQuickItem *> inSettings(const char *name)
+    QList<QQuickItem *> inSettings(const char *name) const
     {
         return test::itemsNamed(QString::fromLatin1(name), *extra.settings()->rootObject());
     }
