@@ -168,41 +168,34 @@ std::string_view decoded(char *start, const char *end)
 
 } // namespace
 
-/// The second stage: passes one place of the first stage after the other. Each function begins
-/// behind the first place of what it passes and ends behind the last; false: this is not JSON.
+/// Passes one value after the other. Each function is given the place where what it passes begins
+/// and gives the one behind it; null: this is not JSON.
 class JsonParser
 {
 public:
-    /// \a places, from the first stage, are followed by one that is the text's end.
-    JsonParser(std::span<char> text, const std::uint32_t *places, JsonValue *values)
-        : m_text(text.data())
-        , m_end(text.data() + text.size())
-        , m_place(places)
-        , m_next(values)
-        , m_block(text.data())
+    /// A zero stands behind the text, which begins nothing, so that the end needs not be looked
+    /// for.
+    explicit JsonParser(JsonValue *values)
+        : m_next(values)
     {
-        findBackslash();
     }
 
-    /// Whether the text is one object or array, and nothing else.
-    bool passDocument()
+    /// An object or array, and the white space around it.
+    char *passDocument(char *at)
     {
-        char *const start = nextPlace();
-        return isContainer(start) && passContainer(start, newValue({}, FieldKey::none))
-            && m_text + *m_place == m_end;
+        at = passBlanks(at);
+        at = isContainer(at) ? passContainer(at, newValue({}, FieldKey::none)) : nullptr;
+        return at ? passBlanks(at) : nullptr;
     }
 
 private:
     static bool isContainer(const char *start) { return *start == '{' || *start == '['; }
 
-    char *nextPlace() { return m_text + *m_place++; }
-
-    /// Passes the next place if \a character stands there.
-    bool passNext(char character)
+    [[gnu::always_inline]] static char *passBlanks(char *at)
     {
-        const bool isNext = m_text[*m_place] == character;
-        m_place += isNext ? 1 : 0;
-        return isNext;
+        while (*at == ' ' || *at == '\n' || *at == '\r' || *at == '\t')
+            ++at;
+        return at;
     }
 
     JsonValue &newValue(std::string_view name, std::size_t field)
@@ -213,48 +206,52 @@ private:
         return value;
     }
 
-    bool passContainer(const char *start, JsonValue &value)
+    char *passContainer(char *at, JsonValue &value)
     {
-        return *start == '{' ? passObject(value) : passArray(value);
+        return *at == '{' ? passObject(at, value) : passArray(at, value);
     }
 
-    bool passObject(JsonValue &object)
+    char *passObject(char *at, JsonValue &object)
     {
         object.m_fields = 0;
         object.set(Kind::Object);
-        if (passNext('}'))
-            return true;
+        at = passBlanks(at + 1);
+        if (*at == '}')
+            return at + 1;
         if (m_depth == JsonReader::deepestNesting)
-            return false;
+            return nullptr;
         ++m_depth;
 
         std::uint64_t fields = 0;
         bool counts = false; // by an object or array in it
-        char separator = 0;
-        do {
-            char *const nameStart = m_text + m_place[0];
-            const char *const colon = m_text + m_place[1];
-            char *const start = m_text + m_place[2];
-            m_place += 3;
+        for (;; at = passBlanks(at + 1)) {
             std::string_view name;
-            if (*nameStart != '"' || *colon != ':' || !passString(nameStart, colon, name, true))
-                return false;
+            at = *at == '"' ? passString(at, &name) : nullptr;
+            if (!at)
+                return nullptr;
+            at = passBlanks(at);
+            if (*at != ':')
+                return nullptr;
+            at = passBlanks(at + 1);
             const std::size_t field = FieldKey::find(name);
             fields |= std::uint64_t{1} << field;
             // A member that nobody knows may still replace one before it.
             const bool isKept = field != FieldKey::none || counts;
-            if (isContainer(start)) {
+            if (isContainer(at)) {
                 JsonValue &value = newValue(name, field);
-                if (!passContainer(start, value))
-                    return false;
+                at = passContainer(at, value);
                 counts |= !holdsNothing(value);
                 if (!isKept && holdsNothing(value))
                     m_next = &value;
-            } else if (!passScalar(start, isKept ? &newValue(name, field) : nullptr)) {
-                return false;
+            } else {
+                at = passScalar(at, isKept ? &newValue(name, field) : nullptr);
             }
-            separator = *nextPlace();
-        } while (separator == ',');
+            if (!at)
+                return nullptr;
+            at = passBlanks(at);
+            if (*at != ',')
+                break;
+        }
 
         if (counts || countingFields.hasAnyOf(fields)) {
             object.m_fields = fields;
@@ -263,36 +260,38 @@ private:
             m_next = &object + 1;
         }
         --m_depth;
-        return separator == '}';
+        return *at == '}' ? at + 1 : nullptr;
     }
 
-    bool passArray(JsonValue &array)
+    char *passArray(char *at, JsonValue &array)
     {
         array.set(Kind::Array);
-        if (passNext(']'))
-            return true;
+        at = passBlanks(at + 1);
+        if (*at == ']')
+            return at + 1;
         if (m_depth == JsonReader::deepestNesting)
-            return false;
+            return nullptr;
         ++m_depth;
 
-        const char *separator = nullptr;
-        do {
-            char *const start = nextPlace();
-            if (isContainer(start)) {
+        for (;; at = passBlanks(at + 1)) {
+            if (isContainer(at)) {
                 JsonValue &element = newValue({}, FieldKey::none);
-                if (!passContainer(start, element))
-                    return false;
+                at = passContainer(at, element);
                 if (holdsNothing(element))
                     m_next = &element;
-            } else if (!passScalar(start, nullptr)) {
-                return false;
+            } else {
+                at = passScalar(at, nullptr);
             }
-            separator = nextPlace();
-        } while (*separator == ',');
+            if (!at)
+                return nullptr;
+            at = passBlanks(at);
+            if (*at != ',')
+                break;
+        }
 
         array.set(Kind::Array, sizeOf(array));
         --m_depth;
-        return *separator == ']';
+        return *at == ']' ? at + 1 : nullptr;
     }
 
     /// Whether the object or array that was passed last is without contents.
@@ -304,128 +303,118 @@ private:
     }
 
     /// \a value is null when nobody asks for it.
-    [[gnu::always_inline]] bool passScalar(char *start, JsonValue *value)
+    [[gnu::always_inline]] static char *passScalar(char *at, JsonValue *value)
     {
-        const char *const next = m_text + *m_place;
-        if (*start == '"') {
+        if (*at == '"') {
             std::string_view text;
-            if (!passString(start, next, text, value != nullptr))
-                return false;
+            at = passString(at, value ? &text : nullptr);
             if (value) {
                 value->m_text = text.data();
                 value->set(Kind::String, text.size());
             }
-            return true;
+            return at;
         }
-        return passShortNumber(start, next, value) || passOther(start, value);
+        char *const behind = passShortNumber(at, value);
+        return behind ? behind : passOther(at, value);
     }
 
-    /// A number that ends at \a next and has at most seven digits, as almost all have.
-    static bool passShortNumber(const char *start, const char *next, JsonValue *value)
+    /// An integer of at most seven digits, as almost all are.
+    [[gnu::always_inline]] static char *passShortNumber(char *at, JsonValue *value)
     {
-        const auto length = static_cast<std::size_t>(next - start);
         constexpr std::uint64_t zeros = 0x3030303030303030;
-        if (length - 1 > 6 || (*start == '0' && length > 1))
-            return false;
+        constexpr std::uint64_t high = 0xf0f0f0f0f0f0f0f0;
         static_assert(std::endian::native == std::endian::little);
         std::uint64_t digits = 0;
-        std::memcpy(&digits, start, sizeof digits);
-        digits = digits << (64 - 8 * length) | zeros >> (8 * length);
-        constexpr std::uint64_t high = 0xf0f0f0f0f0f0f0f0;
-        if ((digits & high) != zeros || ((digits + 0x0606060606060606) & high) != zeros)
-            return false;
+        std::memcpy(&digits, at, sizeof digits);
+        digits ^= zeros;
+        // What a byte beyond the digits carries into the next matters no more.
+        const std::uint64_t others = (digits | (digits + 0x0606060606060606)) & high;
+        const int length = std::countr_zero(others) / 8;
+        if (length == 0 || length == 8 || (*at == '0' && length > 1))
+            return nullptr;
+        char *const end = at + length;
+        if (*end == '.' || (*end | 0x20) == 'e')
+            return nullptr;
         if (value) {
-            digits -= zeros;
+            digits <<= 64 - 8 * length;
             digits = (digits * 10 + (digits >> 8)) & 0x00ff00ff00ff00ff;
             digits = (digits * 100 + (digits >> 16)) & 0x0000ffff0000ffff;
             value->m_integer =
                 static_cast<std::int64_t>((digits * 10'000 + (digits >> 32)) & 0xffffffff);
             value->set(Kind::Integer);
         }
-        return true;
+        return end;
     }
 
-    [[gnu::noinline]] bool passOther(const char *start, JsonValue *value) const
+    [[gnu::noinline]] static char *passOther(char *at, JsonValue *value)
     {
-        switch (*start) {
+        switch (*at) {
         case 't':
-            return passLiteral(start, "true");
+            return passLiteral(at, "true");
         case 'f':
-            return passLiteral(start, "false");
+            return passLiteral(at, "false");
         case 'n':
-            return passLiteral(start, "null");
+            return passLiteral(at, "null");
         default:
-            return passNumber(start, value);
+            return passNumber(at, value);
         }
     }
 
-    [[gnu::always_inline]] bool passString(char *start, const char *next, std::string_view &text,
-                                           bool isAsked)
+    /// \a text is null when nobody asks for it.
+    [[gnu::always_inline]] static char *passString(char *at, std::string_view *text)
     {
-        // Only white space can lie between a string and the next place.
-        const char *end = next - 1;
-        while (*end != '"')
-            --end;
-        ++start;
-        text = std::string_view(start, static_cast<std::size_t>(end - start));
-        return m_backslash >= end || passEscapes(start, end, isAsked ? &text : nullptr);
-    }
-
-    /// Checks the escapes of the string from \a start to \a end, and decodes it when it is asked
-    /// for.
-    [[gnu::noinline]] bool passEscapes(char *start, const char *end, std::string_view *text)
-    {
-        while (m_backslash < end) {
-            const char escape = m_backslash[1];
-            m_backslashes &= m_backslashes - 1;
-            if (escape == 'u') {
-                if (!codeUnit(m_backslash + 2))
-                    return false;
-            } else if (!simpleEscapes[static_cast<std::uint8_t>(escape)]) {
-                return false;
-            } else if (escape == '\\') {
-                findBackslash(); // the escaped one
-                m_backslashes &= m_backslashes - 1;
-            }
-            findBackslash();
-        }
+        ++at;
+        char *const end = passPlain(at);
+        if (*end != '"')
+            return passEscapes(at, end, text);
         if (text)
-            *text = decoded(start, end);
-        return true;
+            *text = std::string_view(at, end);
+        return end + 1;
     }
 
-    /// The first backslash that has not been passed.
-    void findBackslash()
+    /// Passes the characters of a string up to a quote, a backslash or one that no string has.
+    [[gnu::always_inline]] static char *passPlain(char *at)
     {
-        while (m_backslashes == 0 && m_block < m_end) {
+        for (;;) {
             Block block;
-            std::memcpy(&block, m_block, sizeof block);
-            m_backslashes = bitsOf(Block(block == '\\'));
-            m_block += sizeof block;
+            std::memcpy(&block, at, sizeof block);
+            const std::uint64_t others =
+                bitsOf(Block((block == '"') | (block == '\\') | (block < 0x20)));
+            if (others != 0)
+                return at + std::countr_zero(others) / bitsPerLane;
+            at += sizeof block;
         }
-        static_assert(std::endian::native == std::endian::little);
-        m_backslash = m_backslashes == 0
-            ? m_end
-            : m_block - sizeof(Block) + std::countr_zero(m_backslashes) / bitsPerLane;
     }
 
-    /// Whether a literal or a number that began before the next place ends at \a end.
-    bool isEndOfScalar(const char *end) const
+    /// Passes the rest of the string that began at \a start, from \a at on.
+    [[gnu::noinline]] static char *passEscapes(char *start, char *at, std::string_view *text)
     {
-        return end == m_text + *m_place || *end == ' ' || *end == '\n' || *end == '\r'
-            || *end == '\t';
+        while (*at == '\\') {
+            if (at[1] == 'u') {
+                if (!codeUnit(at + 2))
+                    return nullptr;
+                at += 4;
+            } else if (!simpleEscapes[static_cast<std::uint8_t>(at[1])]) {
+                return nullptr;
+            }
+            at = passPlain(at + 2);
+        }
+        if (*at != '"')
+            return nullptr;
+        if (text)
+            *text = decoded(start, at);
+        return at + 1;
     }
 
-    bool passLiteral(const char *start, std::string_view literal) const
+    static char *passLiteral(char *at, std::string_view literal)
     {
-        return std::memcmp(start, literal.data(), literal.size()) == 0
-            && isEndOfScalar(start + literal.size());
+        return std::memcmp(at, literal.data(), literal.size()) == 0 ? at + literal.size() : nullptr;
     }
 
     /// \a value is null when nobody asks for the number.
-    bool passNumber(const char *start, JsonValue *value) const
+    static char *passNumber(char *at, JsonValue *value)
     {
-        const char *at = start;
+        const char *const start = at;
         const auto passDigits = [&at] {
             const char *const first = at;
             while (isDigit(*at))
@@ -437,13 +426,13 @@ private:
         if (*at == '0')
             ++at;
         else if (!passDigits())
-            return false;
+            return nullptr;
         bool isInteger = true;
         if (*at == '.') {
             isInteger = false;
             ++at;
             if (!passDigits())
-                return false;
+                return nullptr;
         }
         if (*at == 'e' || *at == 'E') {
             isInteger = false;
@@ -451,12 +440,11 @@ private:
             if (*at == '+' || *at == '-')
                 ++at;
             if (!passDigits())
-                return false;
+                return nullptr;
         }
         if (value)
-            setNumber(*value, std::string_view(start, static_cast<std::size_t>(at - start)),
-                      isInteger);
-        return isEndOfScalar(at);
+            setNumber(*value, std::string_view(start, at), isInteger);
+        return at;
     }
 
     /// A decimal of few digits. The division rounds as it should, since a double holds both numbers
@@ -501,41 +489,24 @@ private:
         value.set(Kind::Integer);
     }
 
-    char *const m_text;
-    const char *const m_end;
-    const std::uint32_t *m_place;
     JsonValue *m_next;
-    const char *m_backslash = nullptr; ///< the first in what has not been passed
-    const char *m_block; ///< up to here backslashes have been looked for
-    std::uint64_t m_backslashes = 0; ///< in the block before
     int m_depth = 0;
 };
 
 const JsonValue *JsonReader::parse(std::span<char> text)
 {
-    if (m_parser.capacity() < text.size()
-        && m_parser.allocate(std::bit_ceil(text.size())) != simdjson::SUCCESS)
-        return nullptr;
-    auto &firstStage = *m_parser.implementation;
-    if (firstStage.stage1(reinterpret_cast<const std::uint8_t *>(text.data()), text.size(),
-                          simdjson::stage1_mode::regular)
-        != simdjson::SUCCESS)
-        return nullptr;
-
-    // At most every second place begins a value that is kept, but for those that are still open.
-    const std::size_t most = firstStage.n_structural_indexes / 2 + deepestNesting + 2;
+    // No value that is kept is shorter than an array around another, but for those still open.
+    const std::size_t most = text.size() / 2 + deepestNesting + 2;
     if (m_capacity < most) {
         m_values =
             std::make_unique_for_overwrite<JsonValue[]>(most); // NOLINT(modernize-avoid-c-arrays)
         m_capacity = most;
     }
 
-    // A zero begins nothing, so that the end needs not be looked for.
-    char &behind = text.data()[text.size()];
-    const char covered = std::exchange(behind, '\0');
-    const bool isJson =
-        JsonParser(text, firstStage.structural_indexes.get(), m_values.get()).passDocument();
-    behind = covered;
+    char *const end = text.data() + text.size();
+    const char covered = std::exchange(*end, '\0');
+    const bool isJson = JsonParser(m_values.get()).passDocument(text.data()) == end;
+    *end = covered;
     return isJson ? m_values.get() : nullptr;
 }
 

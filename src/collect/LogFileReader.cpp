@@ -202,6 +202,8 @@ const JsonValue *LogFileReader::readDocument(int file)
             break;
         filled += *count;
     }
+    if (!simdjson::validate_utf8(m_buffer.data(), filled))
+        return nullptr;
     return m_json.parse({m_buffer.data(), filled});
 }
 

@@ -2,6 +2,8 @@
 
 #include <QTest>
 
+#include <simdjson.h>
+
 #include <random>
 
 using namespace tallyglass;
@@ -30,11 +32,12 @@ class JsonReaderTest : public QObject
 private Q_SLOTS:
     void readsWhatIsJson()
     {
-        constexpr std::string_view characters = "{}[]:,\"\\ \n\t0123456789-+.trufalsn/b\x01\x80";
+        constexpr std::string_view characters = "{}[]:,\"\\ \n\t0123456789-+.trufalsn/b\x01";
         // It knows neither of the two exceptions, so what it is asked has none of them.
         const QByteArray sample =
             R"( {"a\\\n":[{"usage":{"input_tokens":12}},[],{},true,false,null,-0.5e-1,"A"],)"
-            R"("model":"x\/é" , "b":{"c":{}},"timestamp":1700000000123} )";
+            R"("model":"x\/é" , "b":{"c":{}},"timestamp":1700000000123,)"
+            "\"text\":\"longer than a block, \\\"quoted\\\" and with \\u00e9scapes\\\\ in it\"} ";
         std::mt19937 random(1);
         int count = 0;
         for (int round = 0; round < 20'000; ++round) {
@@ -53,6 +56,8 @@ private Q_SLOTS:
                     json.remove(at, 1);
                 }
             }
+            if (!QUtf8StringView(json).isValidUtf8())
+                continue; // No line that is parsed is.
             const bool expected = isReadByTheLibrary(json);
             QVERIFY2(isRead(json) == expected, json.constData());
             count += expected ? 1 : 0;
