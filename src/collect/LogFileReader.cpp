@@ -141,6 +141,7 @@ template<typename Take>
 bool LogFileReader::readLines(int file, Take take)
 {
     std::size_t total = 0;
+    std::size_t start = 0;
     std::size_t filled = 0;
     for (bool isAtEnd = false; !isAtEnd;) {
         if (filled == capacity())
@@ -153,36 +154,39 @@ bool LogFileReader::readLines(int file, Take take)
         isAtEnd = *count == 0 || total > largestFileRead;
 
         const std::size_t lastLine = afterLastLineFeed(&m_buffer[filled], *count);
-        const std::size_t complete = lastLine > 0 ? filled + lastLine : 0;
+        const std::size_t complete = lastLine > 0 ? filled + lastLine : start;
         filled += *count;
         const std::size_t taken = isAtEnd ? filled : complete;
-        if (!simdjson::validate_utf8(m_buffer.data(), taken))
+        const std::span<char> lines(&m_buffer[start], taken - start);
+        if (!simdjson::validate_utf8(lines.data(), lines.size()))
             return false;
-        takeLines(taken, take);
+        takeLines(lines, take);
 
-        // The unfinished line goes to the front and is continued there.
-        filled -= taken;
-        std::memmove(m_buffer.data(), &m_buffer[taken], filled);
+        // The unfinished line goes to the front, so that what is read next begins a cache line.
+        const std::size_t unfinished = filled - taken;
+        filled = (unfinished + cacheLine - 1) / cacheLine * cacheLine;
+        start = filled - unfinished;
+        std::memmove(&m_buffer[start], &m_buffer[taken], unfinished);
     }
     return true;
 }
 
-/// Takes the lines in the first \a size bytes of the buffer.
+/// \a lines lie in the buffer.
 template<typename Take>
-void LogFileReader::takeLines(std::size_t size, Take take)
+void LogFileReader::takeLines(std::span<char> lines, Take take)
 {
-    const std::string_view text(m_buffer.data(), size);
-    std::size_t marker = findUsageMarker(text.data(), 0, size);
-    while (marker < size) {
+    const std::string_view text(lines.data(), lines.size());
+    std::size_t marker = findUsageMarker(text.data(), 0, text.size());
+    while (marker < text.size()) {
         const std::size_t start = afterLastLineFeed(text.data(), marker);
-        const std::size_t end = std::min(text.find('\n', marker), size);
+        const std::size_t end = std::min(text.find('\n', marker), text.size());
         const std::string_view line = trimmed(text.substr(start, end - start));
         if (line.starts_with('{') || line.starts_with('[')) {
-            char *const first = m_buffer.data() + (line.data() - text.data());
+            char *const first = lines.data() + (line.data() - text.data());
             if (const JsonValue *record = m_json.parse({first, line.size()}))
                 take(*record);
         }
-        marker = findUsageMarker(text.data(), end, size);
+        marker = findUsageMarker(text.data(), end, text.size());
     }
 }
 

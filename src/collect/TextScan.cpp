@@ -158,8 +158,11 @@ TG_WITH_TABLES std::size_t possibleStepByTables(const char *text, std::size_t st
 std::size_t markerInStep(const char *text, std::size_t step, std::size_t size)
 {
     for (std::size_t block = step; block < step + stepSize; block += sizeof(Block)) {
+        const Block possible = possibleMarkers(text + block);
+        if (!anySet(possible))
+            continue;
         std::size_t word = block;
-        for (std::uint64_t lanes : wordsOf(possibleMarkers(text + block))) {
+        for (std::uint64_t lanes : wordsOf(possible)) {
             // Of two lanes that match, the one at the lower address is the lower byte.
             static_assert(std::endian::native == std::endian::little);
             constexpr std::uint64_t oneBitOfEachLane = 0x0101010101010101;
@@ -202,7 +205,15 @@ std::size_t findUsageMarker(const char *text, std::size_t from, std::size_t size
 
 std::size_t afterLastLineFeed(const char *text, std::size_t size)
 {
-    while (size >= sizeof(Block) && !anySet(Block(load(text + size - sizeof(Block)) == '\n')))
+    const auto lineFeedsAt = [text](std::size_t at) { return Block(load(text + at) == '\n'); };
+    for (; size >= stepSize; size -= stepSize) {
+        Block lineFeeds{};
+        for (std::size_t block = stepSize; block > 0; block -= sizeof(Block))
+            lineFeeds |= lineFeedsAt(size - block);
+        if (anySet(lineFeeds))
+            break;
+    }
+    while (size >= sizeof(Block) && !anySet(lineFeedsAt(size - sizeof(Block))))
         size -= sizeof(Block);
     while (size > 0 && text[size - 1] != '\n')
         --size;
