@@ -98,7 +98,7 @@ private Q_SLOTS:
         QElapsedTimer time;
         time.start();
         QCOMPARE(ask(http, {.url = server.url(), .timeout = 200ms}), HttpReply{});
-        QVERIFY(time.elapsed() >= 190);
+        QVERIFY(time.elapsed() >= 150); // The timer is a coarse one.
         QVERIFY(time.elapsed() < 2000);
     }
 
