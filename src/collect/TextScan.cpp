@@ -80,22 +80,27 @@ bool isMarker(const char *text, std::size_t at, std::size_t size)
     return at >= 4 && std::string_view(text + at - 4, size - at + 4).starts_with("rate_limit");
 }
 
+using Step = std::array<Block, blocksPerStep>;
+
+/// Where the first block begins that has a lane set, in a step in which there is one.
+[[gnu::always_inline]] inline std::size_t firstSet(const Step &step)
+{
+    return static_cast<std::size_t>(std::ranges::find_if(step, anySet) - step.begin())
+        * sizeof(Block);
+}
+
 /// The first block, of those that follow each other from \a from on, in which a marker may begin.
 std::size_t possibleBlock(const char *text, std::size_t from, std::size_t size)
 {
     for (; from < size; from += stepSize) {
-        std::array<Block, blocksPerStep> possible{};
+        Step possible{};
         Block any{};
         for (std::size_t block = 0; block < blocksPerStep; ++block) {
             possible[block] = possibleMarkers(text + from + block * sizeof(Block));
             any |= possible[block];
         }
-        if (anySet(any)) {
-            for (std::size_t block = 0;; ++block) {
-                if (anySet(possible[block]))
-                    return from + block * sizeof(Block);
-            }
-        }
+        if (anySet(any))
+            return from + firstSet(possible);
     }
     return size;
 }
@@ -147,7 +152,7 @@ TG_WITH_TABLES std::size_t possibleBlockByTables(const char *text, std::size_t f
     static constexpr Table fourths = shapesWith(3);
     static constexpr Table fifths = shapesWith(lookAhead);
     for (; from < size; from += stepSize) {
-        std::array<Block, blocksPerStep> possible{};
+        Step possible{};
         Block any{};
         for (std::size_t block = 0; block < blocksPerStep; ++block) {
             const char *const at = text + from + block * sizeof(Block);
@@ -155,12 +160,8 @@ TG_WITH_TABLES std::size_t possibleBlockByTables(const char *text, std::size_t f
                 & lookUp(fifths, at + lookAhead);
             any |= possible[block];
         }
-        if (anySet(any)) {
-            for (std::size_t block = 0;; ++block) {
-                if (anySet(possible[block]))
-                    return from + block * sizeof(Block);
-            }
-        }
+        if (anySet(any))
+            return from + firstSet(possible);
     }
     return size;
 }

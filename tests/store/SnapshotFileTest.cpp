@@ -1,13 +1,12 @@
 #include "store/SnapshotFile.h"
 
+#include "support/FullDisk.h"
 #include "support/Table.h"
 #include "support/TemporaryHome.h"
 #include "support/Texts.h"
 
 #include <QTimeZone>
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace tallyglass;
@@ -27,30 +26,6 @@ StorageLocations locationsIn(const test::TemporaryHome &home)
 {
     return StorageLocations({.homeFolder = home.path(), .bundleIdentifier = QStringLiteral("x.y")});
 }
-
-/// While it lives no file of this process can grow beyond a size, as on a disk that is full there.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        rlimit limit = m_before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN); // so that writing fails instead
-};
 
 } // namespace
 
@@ -110,7 +85,7 @@ private Q_SLOTS:
         writeSnapshot(older, locationsIn(home));
         for (const rlim_t bytes : {rlim_t{0}, rlim_t{1}, rlim_t{2'000}}) {
             {
-                const FullDisk disk(bytes);
+                const test::FullDisk disk(bytes);
                 writeSnapshot(newer, locationsIn(home));
             }
             QCOMPARE(home.read(ownFile), encodeSnapshot(older));
