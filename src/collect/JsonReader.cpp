@@ -1,5 +1,7 @@
 #include "collect/JsonReader.h"
 
+#include "collect/LaneBits.h"
+
 #include <QByteArrayView>
 
 #include <array>
@@ -10,40 +12,17 @@
 #include <optional>
 #include <utility>
 
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
-
 namespace tallyglass {
 
 namespace {
 
 using Kind = JsonValue::Kind;
 
-/// In the registers that every processor has.
+/// Holds most names and short texts.
 using Block = std::uint8_t __attribute__((vector_size(16)));
-static_assert(sizeof(Block) <= JsonReader::padding);
-
-#ifdef __SSE2__
-/// A bit for each lane, from lanes that are 0xff or 0.
-constexpr int bitsPerLane = 1;
-std::uint64_t bitsOf(Block lanes)
-{
-    return static_cast<std::uint64_t>(_mm_movemask_epi8(__m128i(lanes)));
-}
-#else
-/// The lowest of four bits for each lane, from lanes that are 0xff or 0: the shift moves half of
-/// each odd lane into the even one before it, which alone is kept.
-constexpr int bitsPerLane = 4;
-std::uint64_t bitsOf(Block lanes)
-{
-    using Pairs = std::uint16_t __attribute__((vector_size(16)));
-    using Bytes = std::uint8_t __attribute__((vector_size(8)));
-    const auto halves = std::bit_cast<std::uint64_t>(
-        __builtin_convertvector(std::bit_cast<Pairs>(lanes) >> 4, Bytes));
-    return halves & 0x1111111111111111;
-}
-#endif
+/// What is examined of a longer text at once: a bit for each character fills a word.
+using LongBlock = std::uint8_t __attribute__((vector_size(64)));
+static_assert(sizeof(LongBlock) <= JsonReader::padding);
 
 bool isDigit(char character)
 {
@@ -379,31 +358,66 @@ private:
             Block block;
             std::memcpy(&block, at, sizeof block);
             const std::uint64_t others =
-                bitsOf(Block((block == '"') | (block == '\\') | (block < 0x20)));
+                laneBits((block == '"') | (block == '\\') | (block < 0x20));
             if (others != 0)
-                return at + std::countr_zero(others) / bitsPerLane;
+                return at + std::countr_zero(others);
             at += sizeof block;
         }
     }
 
-    /// Passes the rest of the string that began at \a start, from \a at on.
+    /// Passes the rest of the string that began at \a start, from the backslash at \a at on.
     [[gnu::noinline]] static char *passEscapes(char *start, char *at, std::string_view *text)
     {
-        while (*at == '\\') {
-            if (at[1] == 'u') {
-                if (!codeUnit(at + 2))
+        std::uint64_t ends = 0;
+        bool isFirstEscaped = false;
+        for (;; at += sizeof(LongBlock)) {
+            LongBlock block;
+            std::memcpy(&block, at, sizeof block);
+            const std::uint64_t quotes = laneBits(block == '"');
+            const std::uint64_t backslashes = laneBits(block == '\\');
+            const std::uint64_t escapes =
+                everySecondOfRun(backslashes & ~std::uint64_t{isFirstEscaped});
+            const std::uint64_t escaped = escapes << 1 | std::uint64_t{isFirstEscaped};
+            isFirstEscaped = escapes >> 63 != 0;
+
+            ends = (quotes & ~escaped) | laneBits(block < 0x20);
+            const std::uint64_t beforeEnd = (ends & -ends) - 1;
+            const std::uint64_t frequent = quotes | backslashes | laneBits(block == 'n');
+            for (std::uint64_t rest = escaped & beforeEnd & ~frequent; rest != 0;
+                 rest &= rest - 1) {
+                if (!isEscape(at + std::countr_zero(rest)))
                     return nullptr;
-                at += 4;
-            } else if (!simpleEscapes[static_cast<std::uint8_t>(at[1])]) {
-                return nullptr;
             }
-            at = passPlain(at + 2);
+            if (ends != 0)
+                break;
         }
+        at += std::countr_zero(ends);
         if (*at != '"')
             return nullptr;
         if (text)
             *text = decoded(start, at);
         return at + 1;
+    }
+
+    /// Of each run of bits the lowest and every second from there.
+    static std::uint64_t everySecondOfRun(std::uint64_t runs)
+    {
+        if ((runs & runs << 1) == 0)
+            return runs;
+        std::uint64_t chosen = 0;
+        while (runs != 0) {
+            const std::uint64_t lowest = runs & -runs;
+            chosen |= lowest;
+            runs &= ~(lowest | lowest << 1);
+        }
+        return chosen;
+    }
+
+    /// Whether what stands at \a at may follow a backslash.
+    static bool isEscape(const char *at)
+    {
+        return *at == 'u' ? codeUnit(at + 1).has_value()
+                          : simpleEscapes[static_cast<std::uint8_t>(*at)];
     }
 
     static char *passLiteral(char *at, std::string_view literal)

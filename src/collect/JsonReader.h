@@ -17,7 +17,7 @@ class JsonReader
 public:
     static constexpr int deepestNesting = 1'023;
     /// So much is read beyond the text, and its first byte is written as well, for a while.
-    static constexpr std::size_t padding = 32; // bytes
+    static constexpr std::size_t padding = 64; // bytes
 
     /// Null for what is not an object or an array, is not JSON, or is deeper than allowed. The
     /// value lives until the next call. \a text must be UTF-8; strings are decoded in place, so it

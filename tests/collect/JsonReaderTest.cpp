@@ -1,7 +1,6 @@
 #include "collect/JsonReader.h"
 
 #include <QTest>
-
 #include <simdjson.h>
 
 #include <random>
@@ -37,11 +36,13 @@ private Q_SLOTS:
         const QByteArray sample =
             R"( {"a\\\n":[{"usage":{"input_tokens":12}},[],{},true,false,null,-0.5e-1,"A"],)"
             R"("model":"x\/é" , "b":{"c":{}},"timestamp":1700000000123,)"
-            "\"text\":\"longer than a block, \\\"quoted\\\" and with \\u00e9scapes\\\\ in it\"} ";
+            "\"text\":\"longer, \\\"quoted\\\"HERE and with \\u00e9scapes\\\\\\\\\\n in it\"} ";
         std::mt19937 random(1);
         int count = 0;
         for (int round = 0; round < 20'000; ++round) {
+            // Puts what follows it at every place of a block.
             QByteArray json = sample;
+            json.replace("HERE", QByteArray(static_cast<int>(random() % 64), 'x'));
             for (unsigned changes = random() % 3; changes > 0; --changes) {
                 const auto at = static_cast<qsizetype>(random()) % json.size();
                 const char character = characters[random() % characters.size()];
