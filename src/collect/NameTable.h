@@ -8,7 +8,8 @@
 
 namespace tallyglass {
 
-/// Turns names that come again and again into shared strings: a few models name every event.
+/// Turns names that come again and again into shared strings: a few models and plans name every
+/// event.
 class NameTable
 {
 public:

@@ -71,8 +71,9 @@ std::optional<std::int64_t> windowMinutes(const JsonValue &object, std::string_v
 class LimitSearch
 {
 public:
-    LimitSearch(const QTimeZone &zone, std::vector<RateLimitUsage> &found)
+    LimitSearch(const QTimeZone &zone, NameTable &names, std::vector<RateLimitUsage> &found)
         : m_zone(zone)
+        , m_names(names)
         , m_found(found)
     {
     }
@@ -110,12 +111,13 @@ private:
             .percentKnown = share.has_value(),
         };
         if (plan)
-            limit.planType = QString::fromUtf8(plan->data(), static_cast<qsizetype>(plan->size()));
+            limit.planType = m_names.shared(*plan);
         m_found.push_back(std::move(limit));
         return true;
     }
 
     const QTimeZone &m_zone;
+    NameTable &m_names;
     std::vector<RateLimitUsage> &m_found;
 };
 
@@ -126,13 +128,14 @@ bool isRateLimit(const JsonValue &object, const QTimeZone &zone)
     return usedShare(object) || statedWindowMinutes(object) || dateValue(object, resetKeys, zone);
 }
 
-std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone)
+std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone,
+                                       NameTable &names)
 {
     constexpr std::array<FieldKey, 2> containers{"rate_limits", "rate_limit_info"};
     std::vector<RateLimitUsage> found;
     for (const FieldKey container : containers) {
         if (const JsonValue *value = record.find(container)) {
-            LimitSearch(zone, found)
+            LimitSearch(zone, names, found)
                 .search(*value, fieldNames[container.index()],
                         stringValue(record.find("plan_type")));
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "collect/JsonValue.h"
+#include "collect/NameTable.h"
 #include "model/RateLimitUsage.h"
 
 #include <vector>
@@ -14,7 +15,8 @@ namespace tallyglass {
 bool isRateLimit(const JsonValue &object, const QTimeZone &zone);
 
 /// The limits in a record's "rate_limits" and "rate_limit_info". The search goes through arrays and
-/// nested objects, and stops at each limit.
-std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone);
+/// nested objects, and stops at each limit. The plans' names come from \a names.
+std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone,
+                                       NameTable &names);
 
 } // namespace tallyglass

@@ -110,7 +110,7 @@ private:
             context.limitsAreReported = false;
         std::vector<RateLimitUsage> limits;
         if (!context.limitsAreReported)
-            limits = rateLimits(object, m_origin.zone);
+            limits = rateLimits(object, m_origin.zone, m_origin.names);
 
         if (context.provider == UsageProvider::Codex) {
             if (const auto tokens = lastTokenUsage(object)) {
