@@ -107,8 +107,9 @@ unsigned takeCodePoint(const char *&from)
     return isHighSurrogate(unit) || isLowSurrogate(unit) ? 0xfffd : unit;
 }
 
-/// Decodes a string in its place, where it fits: no character is longer than its escape.
-std::string_view decoded(char *start, const char *end)
+/// Decodes a string in its place, where it fits: no character is longer than its escape. Gives its
+/// length.
+std::size_t decode(char *start, const char *end)
 {
     char *to = start;
     for (const char *from = start; from != end;) {
@@ -142,7 +143,7 @@ std::string_view decoded(char *start, const char *end)
             break;
         }
     }
-    return {start, static_cast<std::size_t>(to - start)};
+    return static_cast<std::size_t>(to - start);
 }
 
 } // namespace
@@ -344,8 +345,13 @@ private:
     {
         ++at;
         char *const end = passPlain(at);
-        if (*end != '"')
-            return passEscapes(at, end, text);
+        if (*end != '"') {
+            // By value: a text whose address were given away would not stay in registers.
+            const auto [behind, size] = passEscapes(at, end, text != nullptr);
+            if (text)
+                *text = std::string_view(at, size);
+            return behind;
+        }
         if (text)
             *text = std::string_view(at, end);
         return end + 1;
@@ -365,8 +371,14 @@ private:
         }
     }
 
+    struct PassedString
+    {
+        char *behind; ///< null: this is not JSON
+        std::size_t size; ///< of the text once decoded, if it was asked for
+    };
+
     /// Passes the rest of the string that began at \a start, from the backslash at \a at on.
-    [[gnu::noinline]] static char *passEscapes(char *start, char *at, std::string_view *text)
+    [[gnu::noinline]] static PassedString passEscapes(char *start, char *at, bool isAskedFor)
     {
         std::uint64_t ends = 0;
         bool isFirstEscaped = false;
@@ -386,17 +398,15 @@ private:
             for (std::uint64_t rest = escaped & beforeEnd & ~frequent; rest != 0;
                  rest &= rest - 1) {
                 if (!isEscape(at + std::countr_zero(rest)))
-                    return nullptr;
+                    return {};
             }
             if (ends != 0)
                 break;
         }
         at += std::countr_zero(ends);
         if (*at != '"')
-            return nullptr;
-        if (text)
-            *text = decoded(start, at);
-        return at + 1;
+            return {};
+        return {.behind = at + 1, .size = isAskedFor ? decode(start, at) : 0};
     }
 
     /// Of each run of bits the lowest and every second from there.

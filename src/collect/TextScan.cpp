@@ -63,29 +63,55 @@ static_assert(stepSize + lookAhead <= scanPadding);
     return ((words[0] | words[1]) | (words[2] | words[3])) != 0;
 }
 
-bool isMarker(const char *text, std::size_t at, std::size_t size)
+/// At most eight characters as a number, the first in its lowest byte.
+std::uint64_t wordAt(const char *at, std::size_t size)
 {
-    const std::string_view rest(text + at, size - at);
-    if (rest.starts_with("_tokens\"") || rest.starts_with("Metrics\""))
-        return true;
-    if (rest.starts_with("\\u00"))
-        return rest.size() > 4 && rest[4] >= '4' && rest[4] <= '7';
-    return at >= 4 && std::string_view(text + at - 4, size - at + 4).starts_with("rate_limit");
+    static_assert(std::endian::native == std::endian::little);
+    std::uint64_t word = 0;
+    std::memcpy(&word, at, sizeof word);
+    return size < sizeof word ? word & ((std::uint64_t{1} << 8 * size) - 1) : word;
+}
+
+consteval std::uint64_t wordOf(std::string_view text)
+{
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < text.size(); ++i)
+        word |= std::uint64_t{static_cast<std::uint8_t>(text[i])} << 8 * i;
+    return word;
+}
+
+/// In whole words: which of the shapes comes next, and how much of it, cannot be predicted.
+[[gnu::always_inline]] inline bool isMarker(const char *text, std::size_t at, std::size_t size)
+{
+    constexpr std::uint64_t tokens = wordOf("_tokens\"");
+    constexpr std::uint64_t metrics = wordOf("Metrics\"");
+    constexpr std::uint64_t rate = wordOf("rate");
+    constexpr std::uint64_t limit = wordOf("_limit");
+    constexpr std::uint64_t limitMask = 0xffff'ffff'ffff;
+    constexpr std::uint64_t escape = wordOf("\\u004");
+    constexpr std::uint64_t escapeMask = 0xfc'ffff'ffff; // "4" to "7" differ in two bits
+
+    const std::uint64_t word = wordAt(text + at, size - at);
+    const std::uint64_t before = at < 4 ? 0 : wordAt(text + at - 4, 4);
+    return (word == tokens) || (word == metrics) || ((word & escapeMask) == escape)
+        || (((word & limitMask) == limit) && (before == rate));
 }
 
 using Step = std::array<Block, blocksPerStep>;
 
 /// The first marker that begins in a \a possible lane of the step \a from, \a size when none does.
-[[gnu::noinline]] std::size_t markerInStep(const Step &possible, const char *text, std::size_t from,
-                                           std::size_t size)
+[[gnu::always_inline]] inline std::size_t markerInStep(const Step &possible, const char *text,
+                                                       std::size_t from, std::size_t size)
 {
-    for (const Block &block : possible) {
-        for (std::uint64_t lanes = laneBits(block != 0); lanes != 0; lanes &= lanes - 1) {
+    for (std::size_t block = 0; block < blocksPerStep; block += 2) {
+        std::uint64_t lanes =
+            laneBits(possible[block] != 0) | laneBits(possible[block + 1] != 0) << sizeof(Block);
+        for (; lanes != 0; lanes &= lanes - 1) {
             const std::size_t at = from + static_cast<std::size_t>(std::countr_zero(lanes));
             if (at < size && isMarker(text, at, size))
                 return at;
         }
-        from += sizeof block;
+        from += 2 * sizeof(Block);
     }
     return size;
 }
