@@ -289,7 +289,7 @@ void aggregate(benchmark::State &state)
                     || event.date > summary.endDate)
                     continue;
                 sum = sum + event.usage;
-                const auto minutes = limitMinutes(summary.window);
+                const auto minutes = factsOf(summary.window).limitMinutes;
                 if (!event.rateLimits.empty() && minutes
                     && event.rateLimits.front().windowMinutes == minutes
                     && (!newest || event.date >= newest->date))

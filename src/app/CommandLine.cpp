@@ -1,10 +1,32 @@
 #include "app/CommandLine.h"
 
 #include "model/DisplayTexts.h"
+#include "model/UsageProvider.h"
 
 #include <utility>
 
 namespace tallyglass {
+
+namespace {
+
+/// "fiveHours, hour, …"
+QString windowNames()
+{
+    QStringList names;
+    for (const UsageWindowKind kind : allWindowKinds)
+        names += rawValue(kind);
+    return names.join(QLatin1String(", "));
+}
+
+} // namespace
+
+QString helpText()
+{
+    QStringList tools;
+    for (const UsageProvider provider : allProviders)
+        tools += displayName(provider);
+    return formatText("command.help", {windowNames(), tools.join(QLatin1String(", "))});
+}
 
 Command parseCommandLine(const QStringList &words)
 {
@@ -27,7 +49,7 @@ Command parseCommandLine(const QStringList &words)
             report.window = windowKindFromRawValue(words.value(++i));
             if (!report.window)
                 return command::Misuse{
-                    formatText("command.unknownWindow.format", {words.value(i)})};
+                    formatText("command.unknownWindow.format", {words.value(i), windowNames()})};
         } else {
             return command::Misuse{formatText("command.unknownWord.format", {word})};
         }

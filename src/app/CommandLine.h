@@ -46,6 +46,9 @@ struct Misuse
 using Command =
     std::variant<command::Help, command::Version, command::Start, command::Report, command::Misuse>;
 
+/// What "--help" prints.
+QString helpText();
+
 /// Reads the words after the program's name.
 Command parseCommandLine(const QStringList &words);
 

@@ -2,6 +2,7 @@
 
 #include "model/IsoDateTime.h"
 #include "model/UsageJson.h"
+#include "platform/Host.h"
 
 #include <QDir>
 #include <QFile>
@@ -22,6 +23,11 @@ namespace {
 qint64 unixSeconds(Instant instant)
 {
     return std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count();
+}
+
+qint64 minutesOf(UsageWindowKind window)
+{
+    return factsOf(window).limitMinutes.value_or(0);
 }
 
 class LinesFile
@@ -82,18 +88,19 @@ void writeClaudeTranscript(const QString &home, Instant now)
     }
 }
 
-QJsonObject codexLimit(double usedPercent, int minutes, Instant resetDate)
+QJsonObject codexLimit(double usedPercent, UsageWindowKind window, Instant resetDate)
 {
     return {{QStringLiteral("used_percent"), usedPercent},
-            {QStringLiteral("window_minutes"), minutes},
+            {QStringLiteral("window_minutes"), minutesOf(window)},
             {QStringLiteral("resets_at"), unixSeconds(resetDate)}};
 }
 
 void writeCodexRollout(const QString &home, Instant now)
 {
     const QJsonObject limits{
-        {QStringLiteral("primary"), codexLimit(64, 300, now + 107min)},
-        {QStringLiteral("secondary"), codexLimit(38, 10'080, now + 3 * 24h + 290min)},
+        {QStringLiteral("primary"), codexLimit(64, UsageWindowKind::FiveHours, now + 107min)},
+        {QStringLiteral("secondary"),
+         codexLimit(38, UsageWindowKind::Week, now + 3 * 24h + 290min)},
         {QStringLiteral("plan_type"), QStringLiteral("plus")}};
     LinesFile file(home + QStringLiteral("/.codex/sessions/rollout-demo.jsonl"));
     for (const auto &[ago, amount] : workingHours()) {
@@ -131,19 +138,19 @@ void writeCopilotSessions(const QString &home, Instant now)
 
 void writeStatuslineLimits(const QString &home, Instant now)
 {
-    const auto limit = [](double percentage, int minutes, Instant resetDate) {
+    const auto limit = [](double percentage, UsageWindowKind window, Instant resetDate) {
         return QJsonObject{{QStringLiteral("used_percentage"), percentage},
-                           {QStringLiteral("window_minutes"), minutes},
+                           {QStringLiteral("window_minutes"), minutesOf(window)},
                            {QStringLiteral("resets_at"), unixSeconds(resetDate)}};
     };
-    LinesFile file(
-        home
-        + QStringLiteral("/Library/Application Support/Tallyglass/statusline_rate_limits.json"));
-    file.append(
-        {{QStringLiteral("timestamp"), unixSeconds(now - 2min)},
-         {QStringLiteral("rate_limits"),
-          QJsonObject{{QStringLiteral("five_hour"), limit(83, 300, now + 48min)},
-                      {QStringLiteral("seven_day"), limit(57, 10'080, now + 4 * 24h + 130min)}}}});
+    LinesFile file(QStringLiteral("%1/%2/%3")
+                       .arg(home, QLatin1String(ownFolder), QLatin1String(statuslineFile)));
+    file.append({{QStringLiteral("timestamp"), unixSeconds(now - 2min)},
+                 {QStringLiteral("rate_limits"),
+                  QJsonObject{{QStringLiteral("five_hour"),
+                               limit(83, UsageWindowKind::FiveHours, now + 48min)},
+                              {QStringLiteral("seven_day"),
+                               limit(57, UsageWindowKind::Week, now + 4 * 24h + 130min)}}}});
 }
 
 /// A limit that fills evenly and starts anew, at a moment so many minutes ago. \a share is what is
@@ -180,8 +187,9 @@ void writeHistory(const QString &home, Instant now)
         append(UsageProvider::Copilot, demoShare(ago, 150min, 5h, 0.09),
                demoShare(ago, 2 * 24h, week, 0.07));
     }
-    QDir().mkpath(home + QStringLiteral("/Library/Application Support/Tallyglass"));
-    QFile file(home + QStringLiteral("/Library/Application Support/Tallyglass/usage_history.json"));
+    const QString folder = home + u'/' + QLatin1String(ownFolder);
+    QDir().mkpath(folder);
+    QFile file(folder + QStringLiteral("/usage_history.json"));
     file.open(QIODevice::WriteOnly);
     file.write(QJsonDocument(toJson(samples)).toJson(QJsonDocument::Compact));
 }
@@ -191,8 +199,8 @@ void writeTools(const QString &home)
 {
     const QString folder = home + QStringLiteral("/.local/bin");
     QDir().mkpath(folder);
-    for (const char *name : {"claude", "codex", "copilot"}) {
-        QFile file(folder + u'/' + QString::fromLatin1(name));
+    for (const UsageProvider provider : allProviders) {
+        QFile file(folder + u'/' + QLatin1String(factsOf(provider).executable));
         file.open(QIODevice::WriteOnly);
         file.write("#!/bin/sh\n");
         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);

@@ -23,7 +23,7 @@ void printLine(FILE *stream, const QString &text)
 
 int run(const command::Help &)
 {
-    printLine(stdout, displayText("command.help"));
+    printLine(stdout, helpText());
     return 0;
 }
 

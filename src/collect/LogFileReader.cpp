@@ -120,7 +120,7 @@ void LogFileReader::readLogFile(const LogFile &file, std::vector<UsageEvent> &ev
                            .zone = m_zone,
                            .names = m_names};
 
-    if (file.provider == UsageProvider::Copilot) {
+    if (factsOf(file.provider).logFormat == LogFormat::CopilotSessions) {
         CopilotLogReader copilot(origin);
         if (readLines(opened.descriptor(), [&](const JsonValue &record) { copilot.take(record); }))
             std::ranges::move(copilot.events(), std::back_inserter(events));

@@ -1,5 +1,6 @@
 #include "collect/LogFiles.h"
 
+#include "platform/Host.h"
 #include "platform/Packages.h"
 
 #include <algorithm>
@@ -14,22 +15,6 @@
 namespace tallyglass {
 
 namespace {
-
-struct Root
-{
-    UsageProvider provider;
-    std::string_view folder; ///< below the home folder
-};
-
-constexpr std::array roots{
-    Root{UsageProvider::Codex, ".codex/sessions"},
-    Root{UsageProvider::Claude, ".claude"},
-    Root{UsageProvider::Claude, "Library/Application Support/Claude/local-agent-mode-sessions"},
-    Root{UsageProvider::Copilot, ".copilot/session-state"},
-};
-
-constexpr std::string_view statuslineFile =
-    "Library/Application Support/Tallyglass/statusline_rate_limits.json";
 
 constexpr std::array<std::string_view, 4> acceptedExtensions{"json", "jsonl", "ndjson", "log"};
 
@@ -79,11 +64,10 @@ std::optional<LogFile> logFile(UsageProvider provider, std::string path, const s
                    .isDocument = isDocument};
 }
 
-void scanRoot(const Root &root, const std::string &home, Instant cutoff,
-              std::vector<LogFile> &files)
+void scanRoot(UsageProvider provider, std::string root, Instant cutoff, std::vector<LogFile> &files)
 {
     const std::size_t firstOfRoot = files.size();
-    std::vector<std::string> folders{home + '/' + std::string(root.folder)};
+    std::vector<std::string> folders{std::move(root)};
     while (!folders.empty()) {
         const std::string folder = std::move(folders.back());
         folders.pop_back();
@@ -107,8 +91,7 @@ void scanRoot(const Root &root, const std::string &home, Instant cutoff,
                 if (!isPackage(path))
                     folders.push_back(std::move(path));
             } else if (isAccepted) {
-                if (auto file =
-                        logFile(root.provider, folder + '/' + entry->d_name, status, cutoff))
+                if (auto file = logFile(provider, folder + '/' + entry->d_name, status, cutoff))
                     files.push_back(std::move(*file));
             }
         }
@@ -122,10 +105,12 @@ void scanRoot(const Root &root, const std::string &home, Instant cutoff,
 std::vector<LogFile> findLogFiles(const std::string &home, Instant cutoff)
 {
     std::vector<LogFile> files;
-    for (const Root &root : roots)
-        scanRoot(root, home, cutoff, files);
+    for (const UsageProvider provider : allProviders) {
+        for (const std::string_view folder : factsOf(provider).logFolders)
+            scanRoot(provider, home + '/' + std::string(folder), cutoff, files);
+    }
 
-    std::string path = home + '/' + std::string(statuslineFile);
+    std::string path = home + '/' + ownFolder + '/' + statuslineFile;
     struct stat status{};
     if (stat(path.c_str(), &status) == 0) {
         if (auto file = logFile(UsageProvider::Claude, std::move(path), status, cutoff))

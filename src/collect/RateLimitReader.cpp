@@ -1,6 +1,7 @@
 #include "collect/RateLimitReader.h"
 
 #include "collect/FieldReaders.h"
+#include "model/UsageWindowKind.h"
 
 #include <algorithm>
 #include <array>
@@ -34,25 +35,18 @@ std::optional<std::int64_t> statedWindowMinutes(const JsonValue &object)
 /// The length that a window's name stands for: "5-hour", "seven_day", "Weekly", …
 std::optional<std::int64_t> minutesOfWindowNamed(std::string_view name)
 {
-    QString folded = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())).toLower();
-    folded.replace(u'-', u'_').replace(u' ', u'_');
-    const auto containsAny = [&](std::initializer_list<QLatin1String> parts) {
-        return std::ranges::any_of(parts,
-                                   [&](QLatin1String part) { return folded.contains(part); });
-    };
-
-    // Five hours before the hour, so that "15h" or "5_hour" is not taken for one.
-    if (containsAny({QLatin1String("5h"), QLatin1String("5_hour"), QLatin1String("five_hour")}))
-        return 300;
-    if (containsAny({QLatin1String("7d"), QLatin1String("7_day"), QLatin1String("seven_day"),
-                     QLatin1String("week")})) // and so "weekly"
-        return 10'080;
-    if (containsAny({QLatin1String("1h"), QLatin1String("1_hour")})
-        || folded == QLatin1String("hour"))
-        return 60;
-    if (folded == QLatin1String("day") || folded == QLatin1String("daily"))
-        return 1'440;
-    return std::nullopt;
+    QString lower = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())).toLower();
+    const std::string folded = lower.replace(u'-', u'_').replace(u' ', u'_').toStdString();
+    const auto isIn = [&](std::string_view part) { return folded.find(part) != std::string::npos; };
+    const WindowFacts *meant = nullptr;
+    for (const UsageWindowKind kind : allWindowKinds) {
+        const WindowFacts &facts = factsOf(kind);
+        const bool fits =
+            facts.logNames.contains(folded) || std::ranges::any_of(facts.partsOfLogNames, isIn);
+        if (fits && (!meant || facts.logNameTurn < meant->logNameTurn))
+            meant = &facts;
+    }
+    return meant ? meant->limitMinutes : std::nullopt;
 }
 
 std::optional<std::int64_t> windowMinutes(const JsonValue &object, std::string_view memberName)

@@ -22,14 +22,13 @@ std::optional<UsageProvider> providerHint(const JsonValue &object)
     const auto text = stringValue(object.find("provider"));
     if (!text)
         return std::nullopt;
-    const QString hint =
-        QString::fromUtf8(text->data(), static_cast<qsizetype>(text->size())).toLower();
-    if (hint == QLatin1String("openai"))
-        return UsageProvider::Codex;
-    if (hint == QLatin1String("claude") || hint == QLatin1String("anthropic"))
-        return UsageProvider::Claude;
-    if (hint == QLatin1String("copilot") || hint == QLatin1String("github"))
-        return UsageProvider::Copilot;
+    const std::string hint = QString::fromUtf8(text->data(), static_cast<qsizetype>(text->size()))
+                                 .toLower()
+                                 .toStdString();
+    for (const UsageProvider provider : allProviders) {
+        if (factsOf(provider).hints.contains(hint))
+            return provider;
+    }
     return std::nullopt;
 }
 

@@ -4,12 +4,140 @@
 
 namespace tallyglass {
 
-QString displayText(TextKey key)
+namespace {
+
+constexpr auto table = std::to_array<DisplayText>({
+    {"app.name", "Tallyglass"},
+    {"limit.window.unknown", "上限"},
+    {"limit.window.days", "%d日"},
+    {"limit.window.minutes", "%d分"},
+    {"common.settings", "設定"},
+    {"common.refresh", "更新"},
+    {"common.exit", "終了"},
+    {"common.detected", "検出済み"},
+    {"common.notDetected", "未検出"},
+    {"common.noData", "データなし"},
+    {"menu.open", "パネルを開く"},
+    {"menu.period", "期間"},
+    {"menu.cliMissing", "CLI未検出: %@"},
+    {"menu.cliNoticeBody", "設定で検出状態と導入案内を確認できます"},
+    {"summary.total", "合計"},
+    {"metric.topModels", "トップモデル"},
+    {"metric.noModelInfo", "モデル情報なし"},
+    {"metric.cache", "キャッシュ"},
+    {"metric.events", "イベント"},
+    {"metric.usage", "使用量"},
+    {"metric.resetRemaining", "リセットまで"},
+    {"status.remaining.format", "残り %@"},
+    {"status.input.format", "入力 %@"},
+    {"status.output.format", "出力 %@"},
+    {"history.section", "使用履歴"},
+    {"history.empty", "履歴データを収集中です。しばらくすると表示されます。"},
+    {"updated.format", "更新 %@"},
+    {"footer.reset.format", "リセット %@"},
+    {"reset.minutes", "あと%d分"},
+    {"reset.hoursMinutes", "あと%d時間%d分"},
+    {"reset.daysHours", "あと%d日%d時間"},
+    {"update.check", "更新確認"},
+    {"update.available", "新しいバージョン %@ が利用可能です"},
+    {"update.body", TALLYGLASS_SITE_DOMAIN " から最新版をダウンロードできます。"},
+    {"update.releaseNotes.title", "変更点"},
+    {"update.releaseNotes.link", "変更点を見る"},
+    {"update.section", "アップデート"},
+    {"update.settingsBody",
+     "新しいバージョンがあるか確認し、見つかった場合は " TALLYGLASS_SITE_DOMAIN
+     " からダウンロードできます。"},
+    {"update.action", "今すぐ更新"},
+    {"update.openSite", "配布ページ"},
+    {"update.notConfigured", "開発ビルドではSparkle公開鍵が未設定のため、配布ページを開きます。"},
+    {"token.missing.title", "Claudeトークンを取得できません"},
+    {"token.missing.body",
+     "KeychainアクセスとClaude Codeのログイン状態を確認してください。ログイン済みでも取得で"
+     "きない場合は「claude auth login」で再ログインしてください。"},
+    {"token.expired.title", "Claudeトークンが期限切れです"},
+    {"token.expired.body",
+     "更新ボタンかClaude Codeの実行で復旧します。それまでClaudeの%は推定値（~付き）です。"},
+    {"token.refresh", "今すぐ更新"},
+    {"api.status.format", "Claude使用量API: %@"},
+    {"api.status.ok", "正常 (%@ に取得)"},
+    {"api.status.http", "HTTPエラー %d"},
+    {"api.status.parse", "応答の解析に失敗"},
+    {"api.status.expired", "トークン期限切れ。Claude Codeを一度実行すると更新されます"},
+    {"api.status.noToken",
+     "トークン未検出。KeychainアクセスとClaude Codeのログイン状態を確認してください。ログイ"
+     "ン済みでも取得できない場合は、ターミナルで「claude auth "
+     "login」を実行して再ログインしてください"},
+    {"api.status.network", "通信エラー"},
+    {"api.status.never", "未実行"},
+    {"settings.cliIntegration", "CLI連携"},
+    {"settings.cliLocalDataNotice",
+     "メールやパスワードは使わず、各CLIのローカルデータを読み取ります。"},
+    {"settings.recheck", "再チェック"},
+    {"settings.data.format", "データ: %@"},
+    {"settings.widgetSection", "ウィジェットと常駐"},
+    {"settings.widgetNote",
+     "ウィジェットは本アプリが書き出したデータを表示するため、アプリ終了中は更新されません。"
+     "ログイン時の自動起動を有効にしておくことを推奨します。"},
+    {"settings.launchAtLogin", "ログイン時に自動起動"},
+    {"settings.launchAtLogin.needsApproval",
+     "システム設定の「ログイン項目」で Tallyglass を許可してください"},
+    {"alerts.enable", "使用量がしきい値に達したら通知"},
+    {"alerts.threshold.format", "しきい値 %@"},
+    {"alerts.body", "%1$@ の使用量が %2$@ に達しました"},
+    {"budgets.section", "トークン予算(%推定用)"},
+    {"cli.claude.bridgeReady", "Claude CodeのstatusLineブリッジは設定済みです。"},
+    {"cli.claude.bridgeMissing",
+     "Claude "
+     "CodeのstatusLineブリッジが未設定です。設定画面の案内に従って有効化してください。"},
+    {"report.progress.format", "ログを読み取り中… %@ / %@ MB"},
+    {"command.unknownWord.format", "不明な引数「%@」（使い方: tallyglass --help）"},
+    {"command.unknownWindow.format", "不明な期間「%@」（%@のいずれか）"},
+    {"command.noProgram.format", "%@がありません"},
+    {"command.jsonIsWhole", "--jsonは全期間を出力するため、--windowと併用できません"},
+    {"command.help", R"(使い方: tallyglass [コマンド] [オプション]
+
+AIコーディングCLI（%2$@）の使用量を表示します。
+
+コマンド:
+  （なし）           トレイに常駐し、5分ごとに集計します
+  report             ログを一度集計して表で表示します。ネットワークには接続せず、ファイルも書きません
+    --window 期間    %1$@のいずれかだけを表示します
+    --json           usage_snapshot.jsonと同じJSONを出力します
+
+オプション:
+  --demo             実際のホームフォルダの代わりに、架空のログで動作します
+  --help             この説明を表示します
+  --version          バージョンを表示します)"},
+});
+
+static_assert(std::ranges::equal(table, textKeys, {}, &DisplayText::key),
+              "the table and the list of keys differ");
+
+} // namespace
+
+std::optional<TextKey> TextKey::find(std::string_view key)
+{
+    const auto found = std::ranges::find(textKeys, key);
+    return found == textKeys.end()
+        ? std::nullopt
+        : std::optional{TextKey(static_cast<std::size_t>(found - textKeys.begin()))};
+}
+
+const DisplayText &TextKey::text() const
+{
+    return table[m_index];
+}
+
+QString displayText(const DisplayText &text)
 {
     // Without an entry in a catalogue Qt gives the key back.
-    const QString translated = qtTrId(key.text().key);
-    return translated == QLatin1String(key.text().key) ? QString::fromUtf8(key.text().japanese)
-                                                       : translated;
+    const QString translated = qtTrId(text.key);
+    return translated == QLatin1String(text.key) ? QString::fromUtf8(text.japanese) : translated;
+}
+
+QString displayText(TextKey key)
+{
+    return displayText(key.text());
 }
 
 QString formatText(TextKey key, const QStringList &arguments)

@@ -1,6 +1,7 @@
 #include "model/RateLimitUsage.h"
 
 #include "model/DisplayTexts.h"
+#include "model/UsageWindowKind.h"
 
 #include <QLocale>
 
@@ -11,20 +12,15 @@ namespace tallyglass {
 QString RateLimitUsage::windowLabel() const
 {
     constexpr std::int64_t minutesPerHour = 60;
-    constexpr std::int64_t minutesPerDay = 1'440;
-    constexpr std::int64_t minutesPerWeek = 10'080;
+    constexpr std::int64_t minutesPerDay = 24 * minutesPerHour;
 
     if (!windowMinutes)
         return displayText("limit.window.unknown");
     const std::int64_t minutes = *windowMinutes;
-    if (minutes == minutesPerHour)
-        return displayText("window.short.hour");
-    if (minutes == 300)
-        return displayText("window.short.fiveHours");
-    if (minutes == minutesPerDay)
-        return displayText("window.short.day");
-    if (minutes == minutesPerWeek)
-        return displayText("limit.window.sevenDays");
+    for (const UsageWindowKind kind : allWindowKinds) {
+        if (factsOf(kind).limitMinutes == minutes)
+            return displayText(factsOf(kind).limitLabel);
+    }
     if (minutes % minutesPerDay == 0)
         return formatText("limit.window.days", {QLocale().toString(minutes / minutesPerDay)});
     if (minutes % minutesPerHour == 0)

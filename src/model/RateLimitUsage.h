@@ -14,7 +14,7 @@ struct RateLimitUsage
 {
     double usedPercent = 0; ///< fraction, 1.0 is the whole limit
     std::optional<Instant> resetDate;
-    std::optional<std::int64_t> windowMinutes; ///< 300 is five hours, 10,080 a week
+    std::optional<std::int64_t> windowMinutes; ///< its length, as that of a window or any other
     std::optional<QString> planType; ///< the account's plan, as reported
     std::optional<bool> percentKnown; ///< absent counts as true; false: usedPercent says nothing
 

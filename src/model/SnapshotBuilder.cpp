@@ -55,7 +55,7 @@ void SnapshotBuilder::add(const UsageEvent &event, std::size_t fileOrder)
 
         for (const RateLimitUsage &limit : event.rateLimits) {
             const bool isOpen = !limit.windowMinutes.has_value();
-            if (!isOpen && limit.windowMinutes != limitMinutes(allWindowKinds[window]))
+            if (!isOpen && limit.windowMinutes != factsOf(allWindowKinds[window]).limitMinutes)
                 continue;
             const DatedLimit dated{.date = event.date, .fileOrder = fileOrder, .limit = limit};
             LimitChoice &choice = totals.limits[window];

@@ -2,23 +2,83 @@
 
 #include "model/DisplayTexts.h"
 
+#include <algorithm>
+
 namespace tallyglass {
+
+namespace {
+
+constexpr std::array<WindowFacts, allWindowKinds.size()> table{{
+    {
+        .rawValue = "fiveHours",
+        .shortLabel = {"window.short.fiveHours", "5h"},
+        .limitLabel = {"window.short.fiveHours", "5h"},
+        .span = WindowSpan::Rolling,
+        .limitMinutes = 300,
+        .builtInBudget = 1'250'000,
+        .partsOfLogNames = {"5h", "5_hour", "five_hour"},
+        .logNameTurn = 1, // Before the hour, so that "15h" is not taken for one.
+    },
+    {
+        .rawValue = "hour",
+        .shortLabel = {"window.short.hour", "1h"},
+        .limitLabel = {"window.short.hour", "1h"},
+        .span = WindowSpan::CalendarHour,
+        .limitMinutes = 60,
+        .builtInBudget = 250'000,
+        .logNames = {"hour"},
+        .partsOfLogNames = {"1h", "1_hour"},
+        .logNameTurn = 3,
+    },
+    {
+        .rawValue = "day",
+        .shortLabel = {"window.short.day", "日"},
+        .limitLabel = {"window.short.day", "日"},
+        .span = WindowSpan::CalendarDay,
+        .limitMinutes = 1'440,
+        .builtInBudget = 1'000'000,
+        .logNames = {"day", "daily"},
+        .logNameTurn = 4,
+    },
+    {
+        .rawValue = "week",
+        .shortLabel = {"window.short.week", "週"},
+        .limitLabel = {"limit.window.sevenDays", "7日"},
+        .span = WindowSpan::Rolling,
+        .limitMinutes = 10'080,
+        .builtInBudget = 5'000'000,
+        .partsOfLogNames = {"7d", "7_day", "seven_day", "week"},
+        .logNameTurn = 2,
+    },
+    {
+        .rawValue = "month",
+        .shortLabel = {"window.short.month", "月"},
+        .span = WindowSpan::CalendarMonth,
+        .builtInBudget = 20'000'000,
+    },
+}};
+
+static_assert(std::ranges::all_of(table,
+                                  [](const WindowFacts &facts) {
+                                      const bool isLimited = facts.limitMinutes.has_value();
+                                      return facts.rawValue && facts.shortLabel.key
+                                          && facts.builtInBudget > 0
+                                          && (facts.limitLabel.key != nullptr) == isLimited
+                                          && (facts.logNameTurn > 0) == isLimited
+                                          && (isLimited || facts.span != WindowSpan::Rolling);
+                                  }),
+              "a window lacks its row, or the row a fact");
+
+} // namespace
+
+const WindowFacts &factsOf(UsageWindowKind kind)
+{
+    return table[static_cast<std::size_t>(kind)];
+}
 
 QLatin1String rawValue(UsageWindowKind kind)
 {
-    switch (kind) {
-    case UsageWindowKind::FiveHours:
-        return QLatin1String("fiveHours");
-    case UsageWindowKind::Hour:
-        return QLatin1String("hour");
-    case UsageWindowKind::Day:
-        return QLatin1String("day");
-    case UsageWindowKind::Week:
-        return QLatin1String("week");
-    case UsageWindowKind::Month:
-        return QLatin1String("month");
-    }
-    Q_UNREACHABLE();
+    return QLatin1String(factsOf(kind).rawValue);
 }
 
 std::optional<UsageWindowKind> windowKindFromRawValue(QStringView raw)
@@ -32,36 +92,7 @@ std::optional<UsageWindowKind> windowKindFromRawValue(QStringView raw)
 
 QString shortLabel(UsageWindowKind kind)
 {
-    switch (kind) {
-    case UsageWindowKind::FiveHours:
-        return displayText("window.short.fiveHours");
-    case UsageWindowKind::Hour:
-        return displayText("window.short.hour");
-    case UsageWindowKind::Day:
-        return displayText("window.short.day");
-    case UsageWindowKind::Week:
-        return displayText("window.short.week");
-    case UsageWindowKind::Month:
-        return displayText("window.short.month");
-    }
-    Q_UNREACHABLE();
-}
-
-std::optional<std::int64_t> limitMinutes(UsageWindowKind kind)
-{
-    switch (kind) {
-    case UsageWindowKind::FiveHours:
-        return 300;
-    case UsageWindowKind::Hour:
-        return 60;
-    case UsageWindowKind::Day:
-        return 1'440;
-    case UsageWindowKind::Week:
-        return 10'080;
-    case UsageWindowKind::Month:
-        return std::nullopt;
-    }
-    Q_UNREACHABLE();
+    return displayText(factsOf(kind).shortLabel);
 }
 
 } // namespace tallyglass

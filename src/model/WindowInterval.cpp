@@ -14,21 +14,20 @@ WindowInterval interval(UsageWindowKind kind, Instant now, const QTimeZone &zone
 {
     const LocalTime local = toLocalTime(now, zone);
     const auto today = floor<days>(local);
-    switch (kind) {
-    case UsageWindowKind::FiveHours:
-        return {.start = now - 5h, .end = now};
-    case UsageWindowKind::Hour: {
+    const WindowFacts &facts = factsOf(kind);
+    switch (facts.span) {
+    case WindowSpan::Rolling:
+        return {.start = now - minutes{facts.limitMinutes.value_or(0)}, .end = now};
+    case WindowSpan::CalendarHour: {
         // Counted by the offset of this moment, so that it is an hour long across every clock
         // change.
         const Instant start = now - (local - floor<hours>(local));
         return {.start = start, .end = start + 1h};
     }
-    case UsageWindowKind::Day:
+    case WindowSpan::CalendarDay:
         return {.start = firstInstantFrom(LocalTime{today}, zone),
                 .end = firstInstantFrom(LocalTime{today + days{1}}, zone)};
-    case UsageWindowKind::Week:
-        return {.start = now - 7 * 24h, .end = now};
-    case UsageWindowKind::Month: {
+    case WindowSpan::CalendarMonth: {
         const year_month_day date{today};
         const auto thisMonth = date.year() / date.month();
         const auto nextMonth = thisMonth + months{1};

@@ -17,7 +17,7 @@ struct WindowInterval
     bool contains(Instant date) const { return start <= date && date <= end; }
 };
 
-/// Five hours and week end now; hour, day and month are the calendar's in \a zone and end in the
+/// A rolling window ends now; hour, day and month are the calendar's in \a zone and end in the
 /// future.
 WindowInterval interval(UsageWindowKind kind, Instant now, const QTimeZone &zone);
 

@@ -5,6 +5,12 @@
 
 namespace tallyglass {
 
+/// Where everything of ours is, below the home folder: on every system one path for the bridge, the
+/// widget and the help pages.
+inline constexpr const char *ownFolder = "Library/Application Support/Tallyglass";
+/// There, the limits that the status line bridge passes on.
+inline constexpr const char *statuslineFile = "statusline_rate_limits.json";
+
 /// The facts of the machine and of the running program that others are computed from.
 struct Host
 {

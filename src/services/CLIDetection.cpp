@@ -13,36 +13,18 @@ namespace tallyglass {
 
 namespace {
 
-QString executableName(UsageProvider provider)
-{
-    return rawValue(provider);
-}
-
 /// Where the installers put the tools; relative paths are below the home folder.
-QStringList candidatePaths(UsageProvider provider)
+QStringList candidatePaths(const ProviderFacts &facts)
 {
     constexpr std::array folders{".local/bin/",    ".volta/bin/",      ".asdf/shims/",
                                  ".bun/bin/",      ".npm-global/bin/", "/opt/homebrew/bin/",
                                  "/usr/local/bin/"};
     QStringList paths;
     for (const char *folder : folders)
-        paths += QString::fromLatin1(folder) + executableName(provider);
-    if (provider == UsageProvider::Codex)
-        paths += QStringLiteral("/Applications/Codex.app/Contents/Resources/codex");
+        paths += QString::fromLatin1(folder) + QLatin1String(facts.executable);
+    for (const std::string_view path : facts.otherPaths)
+        paths += QString::fromUtf8(path.data(), static_cast<qsizetype>(path.size()));
     return paths;
-}
-
-QString installHint(UsageProvider provider)
-{
-    switch (provider) {
-    case UsageProvider::Codex:
-        return displayText("cli.codex.installHint");
-    case UsageProvider::Claude:
-        return displayText("cli.claude.installHint");
-    case UsageProvider::Copilot:
-        return displayText("cli.copilot.installHint");
-    }
-    Q_UNREACHABLE();
 }
 
 bool isExecutableFile(const QString &path)
@@ -66,13 +48,14 @@ std::vector<CLIInstallStatus> detectAll(const Host &host)
 {
     std::vector<CLIInstallStatus> statuses;
     for (const UsageProvider provider : allProviders) {
-        const QString name = executableName(provider);
+        const ProviderFacts &facts = factsOf(provider);
+        const QString name = QString::fromLatin1(facts.executable);
         CLIInstallStatus status{
             .provider = provider,
             .executableName = name,
-            .detectedPath = resolveExecutable(host, name, candidatePaths(provider)),
-            .dataPath = host.homeFolder + QStringLiteral("/.") + name,
-            .installHint = installHint(provider),
+            .detectedPath = resolveExecutable(host, name, candidatePaths(facts)),
+            .dataPath = host.homeFolder + u'/' + QLatin1String(facts.dataFolder),
+            .installHint = displayText(facts.installHint),
         };
         if (provider == UsageProvider::Claude) {
             status.integrationHint = claudeBridgeConfigured(host)

@@ -1,6 +1,7 @@
 #include "services/ClaudeUsageAPI.h"
 
 #include "model/IsoDateTime.h"
+#include "model/UsageWindowKind.h"
 #include "services/ClaudeCredentials.h"
 #include "services/JsonNumbers.h"
 
@@ -44,7 +45,8 @@ std::optional<Instant> dateFrom(const QJsonValue &value)
     return number > 0 ? std::optional{fromUnixNumber(number)} : std::nullopt;
 }
 
-std::optional<RateLimitUsage> limitFrom(const QJsonValue &window, std::int64_t minutes)
+std::optional<RateLimitUsage> limitFrom(const QJsonValue &window,
+                                        std::optional<std::int64_t> minutes)
 {
     const QJsonObject object = window.toObject();
     const auto share =
@@ -152,9 +154,10 @@ std::optional<std::vector<RateLimitUsage>> limitsFromAnswer(const QByteArray &bo
     struct Window
     {
         const char *member;
-        std::int64_t minutes;
+        UsageWindowKind kind;
     };
-    constexpr std::array windows{Window{"five_hour", 300}, Window{"seven_day", 10'080}};
+    constexpr std::array windows{Window{"five_hour", UsageWindowKind::FiveHours},
+                                 Window{"seven_day", UsageWindowKind::Week}};
 
     const QJsonDocument document = QJsonDocument::fromJson(body);
     if (!document.isObject())
@@ -162,7 +165,7 @@ std::optional<std::vector<RateLimitUsage>> limitsFromAnswer(const QByteArray &bo
     std::vector<RateLimitUsage> limits;
     for (const Window &window : windows) {
         const QJsonValue member = document.object().value(QLatin1String(window.member));
-        if (auto limit = limitFrom(member, window.minutes))
+        if (auto limit = limitFrom(member, factsOf(window.kind).limitMinutes))
             limits.push_back(std::move(*limit));
     }
     return limits;

@@ -7,7 +7,7 @@ namespace tallyglass {
 UsageSnapshot withEndpointLimits(UsageSnapshot snapshot, std::span<const RateLimitUsage> limits)
 {
     for (WindowUsageSummary &window : snapshot.summaries) {
-        const auto minutes = limitMinutes(window.window);
+        const auto minutes = factsOf(window.window).limitMinutes;
         const auto limit = std::ranges::find_if(limits, [&](const RateLimitUsage &candidate) {
             return minutes && candidate.windowMinutes == minutes;
         });

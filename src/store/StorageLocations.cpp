@@ -11,13 +11,13 @@ StorageLocations::StorageLocations(Host host)
 
 QString StorageLocations::applicationSupportFolder() const
 {
-    return m_host.homeFolder + QStringLiteral("/Library/Application Support/Tallyglass");
+    return m_host.homeFolder + u'/' + QLatin1String(ownFolder);
 }
 
 QString StorageLocations::widgetContainerFolder() const
 {
     return m_host.homeFolder + QStringLiteral("/Library/Containers/") + widgetBundleIdentifier()
-        + QStringLiteral("/Data/Library/Application Support/Tallyglass");
+        + QStringLiteral("/Data/") + QLatin1String(ownFolder);
 }
 
 QString StorageLocations::widgetBundleIdentifier() const

@@ -111,7 +111,7 @@ void PanelViewModel::setWindowIndex(int index)
 
 QStringList PanelViewModel::historyLabels() const
 {
-    return {displayText("window.short.day"), displayText("window.short.week")};
+    return {shortLabel(UsageWindowKind::Day), shortLabel(UsageWindowKind::Week)};
 }
 
 int PanelViewModel::historyIndex() const

@@ -12,15 +12,14 @@ namespace {
 
 const QString noFigure = QStringLiteral("--");
 
-/// The length that a limit is taken to have when it states none.
-constexpr std::int64_t usualWindowMinutes = 300;
-
 double passedShare(const RateLimitUsage &limit, Instant now)
 {
     if (!limit.resetDate)
         return 0;
-    const std::int64_t stated = limit.windowMinutes.value_or(0);
-    const auto minutes = static_cast<double>(stated < 1 ? usualWindowMinutes : stated);
+    // A limit that states no length is taken to have the usual one.
+    const auto usual = factsOf(UsageWindowKind::FiveHours).limitMinutes;
+    const auto stated = limit.windowMinutes.value_or(0) < 1 ? usual : limit.windowMinutes;
+    const auto minutes = static_cast<double>(stated.value_or(0));
     const std::chrono::duration<double, std::ratio<60>> left = *limit.resetDate - now;
     return 1 - std::clamp(left.count() / minutes, 0.0, 1.0);
 }

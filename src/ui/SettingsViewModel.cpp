@@ -111,6 +111,11 @@ QString SettingsViewModel::thresholdText() const
     return formatText("alerts.threshold.format", {formatPercent(alertThreshold())});
 }
 
+QStringList SettingsViewModel::budgetLabels() const
+{
+    return {shortLabel(UsageWindowKind::FiveHours), shortLabel(UsageWindowKind::Week)};
+}
+
 bool SettingsViewModel::isUpdaterConfigured() const
 {
     return m_updater.isConfigured();

@@ -28,6 +28,7 @@ class SettingsViewModel : public QObject
     Q_PROPERTY(double lowestThreshold READ lowestThreshold CONSTANT FINAL)
     Q_PROPERTY(double highestThreshold READ highestThreshold CONSTANT FINAL)
     Q_PROPERTY(double thresholdStep READ thresholdStep CONSTANT FINAL)
+    Q_PROPERTY(QStringList budgetLabels READ budgetLabels CONSTANT FINAL)
     Q_PROPERTY(QList<tallyglass::BudgetLine> budgetLines READ budgetLines CONSTANT FINAL)
     Q_PROPERTY(bool isUpdaterConfigured READ isUpdaterConfigured CONSTANT FINAL)
     Q_PROPERTY(bool canCheckForUpdates READ canCheckForUpdates NOTIFY updaterChanged FINAL)
@@ -56,6 +57,7 @@ public:
     double highestThreshold() const { return 0.95; }
     double thresholdStep() const { return 0.05; }
 
+    QStringList budgetLabels() const;
     const QList<BudgetLine> &budgetLines() const { return m_budgetLines; }
 
     bool isUpdaterConfigured() const;

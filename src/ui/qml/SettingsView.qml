@@ -108,7 +108,7 @@ ColumnLayout {
             }
 
             Repeater {
-                model: [Texts.text("window.short.fiveHours"), Texts.text("window.short.week")]
+                model: root.viewModel.budgetLabels
 
                 Text {
                     required property string modelData
