@@ -35,7 +35,8 @@ private:
     void answer(QLocalSocket &client);
     bool askToShow(const QDeadlineTimer &patience) const;
 
-    QString m_path; ///< of lock and socket, without their endings; empty: there is no place
+    QString
+        m_path; ///< of lock and socket, without their endings; empty: there is no folder for them
     int m_lock = -1; ///< file descriptor, held as long as we are the first
     bool m_isHeard = false;
     QLocalServer m_server;

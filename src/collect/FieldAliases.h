@@ -42,7 +42,7 @@ public:
 
     constexpr std::size_t index() const { return m_index; }
 
-    /// The place of \a name in the table, none for a name that no reader asks for. The name must be
+    /// The index of \a name in the table, none for a name that no reader asks for. The name must be
     /// readable for 32 bytes.
     static std::size_t find(std::string_view name);
     static constexpr std::size_t none = 63;
@@ -119,7 +119,7 @@ public:
     {
         std::array<char, longest> name{}; ///< with zeros behind
         std::uint8_t size = 0;
-        std::uint8_t place = 0; ///< in the table
+        std::uint8_t index = 0; ///< in the table
     };
 
     consteval NamesByHash()
@@ -131,7 +131,7 @@ public:
                 throw "choose another multiplier"; // Reached while compiling only.
             std::ranges::copy(name, entry.name.begin());
             entry.size = static_cast<std::uint8_t>(name.size());
-            entry.place = static_cast<std::uint8_t>(i);
+            entry.index = static_cast<std::uint8_t>(i);
         }
     }
 
@@ -163,7 +163,7 @@ private:
 
 inline constexpr NamesByHash namesByHash;
 
-/// As many bytes that are set as a name is long, from a place in here on.
+/// As many bytes that are set as a name is long, from a position in here on.
 inline constexpr auto nameMask = [] {
     std::array<std::uint8_t, 2 * NamesByHash::longest> mask{};
     std::ranges::fill(mask.begin(), mask.begin() + NamesByHash::longest, std::uint8_t{0xff});
@@ -189,7 +189,7 @@ inline std::size_t FieldKey::find(std::string_view name)
     std::memcpy(&known, entry.name.data(), sizeof known);
     std::memcpy(&mask, detail::nameMask.data() + Names::longest - entry.size, sizeof mask);
     const Block different = ((given[0] ^ known[0]) & mask[0]) | ((given[1] ^ known[1]) & mask[1]);
-    return (different[0] | different[1]) == 0 ? entry.place : none;
+    return (different[0] | different[1]) == 0 ? entry.index : none;
 }
 
 } // namespace tallyglass

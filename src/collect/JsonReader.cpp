@@ -107,8 +107,8 @@ unsigned takeCodePoint(const char *&from)
     return isHighSurrogate(unit) || isLowSurrogate(unit) ? 0xfffd : unit;
 }
 
-/// Decodes a string in its place, where it fits: no character is longer than its escape. Gives its
-/// length.
+/// Decodes a string where it stands, which has room: no character is longer than its escape. Gives
+/// its length.
 std::size_t decode(char *start, const char *end)
 {
     char *to = start;
@@ -148,8 +148,8 @@ std::size_t decode(char *start, const char *end)
 
 } // namespace
 
-/// Passes one value after the other. Each function is given the place where what it passes begins
-/// and gives the one behind it; null: this is not JSON.
+/// Passes one value after the other. Each function is given the position where what it passes
+/// begins and gives the one behind it; null: this is not JSON.
 class JsonParser
 {
 public:

@@ -33,7 +33,7 @@ public:
     /// As a member of an object.
     std::string_view name() const { return {m_name, m_nameLengthAndField >> 6}; }
 
-    /// The name's place among all that readers know, or FieldKey::none.
+    /// The name's index among all that readers know, or FieldKey::none.
     std::size_t field() const { return m_nameLengthAndField & 63; }
     bool isCalled(FieldKey key) const { return field() == key.index(); }
 

@@ -14,7 +14,7 @@ class QTimeZone;
 
 namespace tallyglass {
 
-/// Takes the events of one file, in its order. \a fileOrder is the file's place in the order of
+/// Takes the events of one file, in its order. \a fileOrder is the file's index in the order of
 /// reading: the roots one after the other, and the status line bridge's file last.
 using EventSink = std::function<void(std::size_t fileOrder, std::span<const UsageEvent> events)>;
 

@@ -27,7 +27,7 @@ using Block = std::uint8_t __attribute__((vector_size(32)));
 constexpr std::size_t blocksPerStep = 4;
 constexpr std::size_t stepSize = blocksPerStep * sizeof(Block);
 
-/// The furthest lane that a test looks at, from the place where a marker begins.
+/// The furthest lane that a test looks at, from the one where a marker begins.
 constexpr std::size_t lookAhead = 4;
 static_assert(stepSize + lookAhead <= scanPadding);
 
@@ -136,18 +136,18 @@ std::size_t findPlainly(const char *text, std::size_t from, std::size_t size)
 
 #if defined(__x86_64__) || defined(__aarch64__)
 
-/// For each lower half of a character a bit for each shape that has it at one place.
+/// For each lower half of a character a bit for each shape that has it at one offset.
 using Table = std::array<std::uint8_t, 16>;
 
-/// The shapes as above, by what they have at \a place.
-consteval Table shapesWith(std::size_t place)
+/// The shapes as above, by what they have at \a offset.
+consteval Table shapesWith(std::size_t offset)
 {
     constexpr std::array<std::string_view, 4> first{"_token", "_limit", "Metric", "\\u004"};
     Table table{};
     for (std::size_t shape = 0; shape < first.size(); ++shape)
-        table[static_cast<std::uint8_t>(first[shape][place]) & 0xf] |= 1 << shape;
+        table[static_cast<std::uint8_t>(first[shape][offset]) & 0xf] |= 1 << shape;
     for (const char digit : {'5', '6', '7'}) // further ends of the fourth
-        table[static_cast<std::uint8_t>(digit) & 0xf] |= place == lookAhead ? 1 << 3 : 0;
+        table[static_cast<std::uint8_t>(digit) & 0xf] |= offset == lookAhead ? 1 << 3 : 0;
     return table;
 }
 

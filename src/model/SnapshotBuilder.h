@@ -23,7 +23,7 @@ class SnapshotBuilder
 public:
     SnapshotBuilder(Instant now, const QTimeZone &zone);
 
-    /// \a fileOrder is the place of the event's file in the order of reading: of two limits with
+    /// \a fileOrder is the index of the event's file in the order of reading: of two limits with
     /// the same date the one read later holds. The events of one file must come in their order.
     void add(const UsageEvent &event, std::size_t fileOrder);
     void merge(const SnapshotBuilder &other);

@@ -17,7 +17,7 @@ public:
     virtual bool isShown() const = 0;
     /// Where it is on the screen. Some desktops do not tell: then where it was clicked last; empty
     /// before the first click.
-    virtual QRect place() const = 0;
+    virtual QRect area() const = 0;
     virtual void setToolTip(const QString &text) = 0;
 
 Q_SIGNALS:

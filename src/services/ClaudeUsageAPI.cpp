@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tallyglass {
 
@@ -93,26 +94,14 @@ ClaudeUsageAPI::ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http,
 {
 }
 
-/// A pause that lies further ahead than any that is ever set comes from a clock which has been set
-/// back since.
-bool ClaudeUsageAPI::isThrottled(Instant now) const
-{
-    return now < m_throttleUntil && m_throttleUntil - now <= pauseAfterTooManyRequests;
-}
-
-/// A copy: QCoro moves from whatever a coroutine returns, a member included.
-std::vector<RateLimitUsage> ClaudeUsageAPI::cachedLimits() const
-{
-    return m_cachedLimits;
-}
-
 QCoro::Task<std::vector<RateLimitUsage>> ClaudeUsageAPI::fetchLimits()
 {
     const Instant now = m_clock.now();
-    if (isThrottled(now))
-        co_return cachedLimits();
+    // As const, here and below: QCoro would move from a member that is not.
+    if (m_throttle.isPausing(now))
+        co_return std::as_const(m_cachedLimits);
     // Set before the first wait, so that a second caller meanwhile is answered from the cache.
-    m_throttleUntil = now + minInterval;
+    m_throttle.pause(now, minInterval);
 
     const auto credentials = co_await QtConcurrent::run(
         [this, now] { return findClaudeCredentials(m_host, m_keychain, now); });
@@ -127,7 +116,7 @@ QCoro::Task<std::vector<RateLimitUsage>> ClaudeUsageAPI::fetchLimits()
             reply = co_await m_http.get(std::move(request));
         take(reply, now);
     }
-    co_return cachedLimits();
+    co_return std::as_const(m_cachedLimits);
 }
 
 void ClaudeUsageAPI::take(const HttpReply &reply, Instant now)
@@ -140,7 +129,7 @@ void ClaudeUsageAPI::take(const HttpReply &reply, Instant now)
     } else if (*reply.status != success) {
         m_status = apistatus::Http{*reply.status};
         if (*reply.status == tooManyRequests)
-            m_throttleUntil = now + pauseAfterTooManyRequests;
+            m_throttle.pause(now, pauseAfterTooManyRequests);
     } else if (auto limits = limitsFromAnswer(reply.body)) {
         m_cachedLimits = std::move(*limits);
         m_status = apistatus::Ok{now};

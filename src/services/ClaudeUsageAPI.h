@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/RateLimitUsage.h"
+#include "model/Throttle.h"
 #include "platform/Clock.h"
 #include "platform/Host.h"
 #include "platform/HttpClient.h"
@@ -28,8 +29,6 @@ public:
     const ClaudeUsageAPIStatus &status() const { return m_status; }
 
 private:
-    bool isThrottled(Instant now) const;
-    std::vector<RateLimitUsage> cachedLimits() const;
     void take(const HttpReply &reply, Instant now);
 
     const Host &m_host;
@@ -39,7 +38,7 @@ private:
 
     ClaudeUsageAPIStatus m_status;
     std::vector<RateLimitUsage> m_cachedLimits;
-    Instant m_throttleUntil = Instant::min();
+    Throttle m_throttle;
 };
 
 /// The limits in an answer of the endpoint; nothing when it is no JSON object.

@@ -19,7 +19,8 @@ public:
     QString widgetContainerFolder() const;
     QString widgetBundleIdentifier() const;
 
-    /// Where a file that the widget reads too is written: one place inside the widget, else both.
+    /// Where a file that the widget reads too is written: one location inside the widget, else
+    /// both.
     QStringList writingPaths(const QString &fileName) const;
     /// Where it is read from, in order.
     QStringList readingPaths(const QString &fileName) const;

@@ -8,7 +8,7 @@
 
 namespace tallyglass {
 
-/// The stored samples, oldest first, from the first place that has a readable file.
+/// The stored samples, oldest first, from the first location that has a readable file.
 std::vector<UsageHistorySample> loadHistory(const StorageLocations &locations);
 
 /// Adds one sample for each provider with activity, unless the newest one is less than ten minutes

@@ -16,11 +16,11 @@ namespace {
 constexpr double curveWidth = 1.75;
 constexpr double dotRadius = 3;
 constexpr double labelGap = 4;
-/// A curve answers for the pointed place when it has a sample this near: half an hour of a day.
+/// A curve answers for the pointed position when it has a sample this near: half an hour of a day.
 constexpr double nearby = 0.02;
 constexpr std::array gridShares{0.0, 0.5, 1.0};
 
-/// The point of a curve nearest to a place across.
+/// The point of a curve nearest to a position across.
 const HistoryPoint &nearestPoint(const HistoryLine &line, double x)
 {
     const HistoryPoint *nearest = &line.runs.front().front();

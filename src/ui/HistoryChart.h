@@ -32,7 +32,7 @@ class HistoryChart : public QQuickPaintedItem
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(tallyglass::HistoryData history READ history WRITE setHistory NOTIFY changed FINAL)
-    /// The pointer's place across; below 0 there is none.
+    /// The pointer's position across; below 0 there is none.
     Q_PROPERTY(double pointerX READ pointerX WRITE setPointerX NOTIFY changed FINAL)
     Q_PROPERTY(QColor textColor MEMBER m_textColor NOTIFY changed FINAL)
     Q_PROPERTY(QColor gridColor MEMBER m_gridColor NOTIFY changed FINAL)
@@ -60,7 +60,7 @@ private:
     QFont font() const;
     /// Where the curves are drawn: what the axes leave.
     QRectF plot() const;
-    /// The place across, from 0 to 1, of the sample nearest to the pointer.
+    /// The position across, from 0 to 1, of the sample nearest to the pointer.
     std::optional<double> pointedX() const;
     QPointF toPixels(const HistoryPoint &point) const;
     void paintAxes(QPainter &painter) const;

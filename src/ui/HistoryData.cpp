@@ -18,7 +18,7 @@ namespace {
 
 /// Samples come at least ten minutes apart; a pause of three times that is one of the program.
 constexpr auto longestStep = 30min;
-/// Places across that can be told apart: the chart's pixels, about.
+/// Positions across that can be told apart: the chart's pixels, about.
 constexpr int columns = 320;
 constexpr auto hoursBetweenTicks = 6h;
 

@@ -65,10 +65,10 @@ public:
     bool isEmpty() const { return lines.empty(); }
 };
 
-/// The time of day at a place across, with the day's name where the range has several.
+/// The time of day at a position across, with the day's name where the range has several.
 QString timeText(const HistoryData &data, double x);
 
-/// \a samples in the order of time. Of those that crowd one place across, as many stay as can be
+/// \a samples in the order of time. Of those that crowd one position across, as many stay as can be
 /// told apart.
 HistoryData historyData(const std::vector<UsageHistorySample> &samples, HistoryRange range,
                         Instant now, const QTimeZone &zone);

@@ -74,7 +74,7 @@ void MenuBarExtra::openPanel()
     }
     m_panelViewModel.update();
     if (m_item->isShown())
-        m_panel->openAt(m_item->place());
+        m_panel->openAt(m_item->area());
     else
         m_panel->openAsWindow();
 }

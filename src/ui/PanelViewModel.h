@@ -67,7 +67,7 @@ public:
     const QString &missingCLIsText() const { return m_missingCLIsText; }
 
     QStringList windowLabels() const;
-    /// The selected window's place in allWindowKinds.
+    /// The selected window's index in allWindowKinds.
     int windowIndex() const;
     void setWindowIndex(int index);
     const QList<ProviderRow> &providerRows() const { return m_providerRows; }

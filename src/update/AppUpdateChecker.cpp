@@ -9,6 +9,7 @@
 #include <QtConcurrentRun>
 
 #include <algorithm>
+#include <utility>
 
 namespace tallyglass {
 
@@ -65,39 +66,23 @@ AppUpdateChecker::AppUpdateChecker(Clock &clock, HttpClient &http, const Host &h
 {
 }
 
-/// A pause that lies further ahead than one interval comes from a clock that was set back since.
-bool AppUpdateChecker::isThrottled(Instant now) const
-{
-    return now < m_throttleUntil && m_throttleUntil - now <= checkInterval;
-}
-
-/// A copy of its own: co_return of a member would move the member away, as QCoro's promise takes
-/// any lvalue that is not const for a value to move from.
-std::optional<AppUpdateInfo> AppUpdateChecker::cached() const
-{
-    return m_cached;
-}
-
 QCoro::Task<std::optional<AppUpdateInfo>> AppUpdateChecker::checkForUpdate()
 {
     constexpr int success = 200;
 
-    const Instant now = m_clock.now();
-    if (isThrottled(now))
-        co_return cached();
-    // Set before the first wait, so that a second caller meanwhile is answered from the cache, and
-    // a feed that fails is left alone as long as any other.
-    m_throttleUntil = now + checkInterval;
-
     const auto feedUrl = webAddress(m_host.feedUrl);
-    if (!feedUrl)
-        co_return cached();
-    HttpRequest request{.url = *feedUrl, .followsRedirects = true};
-    const HttpReply reply = co_await m_http.get(std::move(request));
-    // On a worker: the largest feed takes some tenths of a second.
-    if (reply.status == success)
-        m_cached = co_await QtConcurrent::run(answerOf, reply.body, m_host, m_cached);
-    co_return cached();
+    if (feedUrl && !m_throttle.isPausing(m_clock.now())) {
+        // Before the first wait, so that a second caller meanwhile is answered from the cache, and
+        // a feed that fails is left alone as long as any other.
+        m_throttle.pause(m_clock.now(), checkInterval);
+        HttpRequest request{.url = *feedUrl, .followsRedirects = true};
+        const HttpReply reply = co_await m_http.get(std::move(request));
+        // On a worker: the largest feed takes some tenths of a second.
+        if (reply.status == success)
+            m_cached = co_await QtConcurrent::run(answerOf, reply.body, m_host, m_cached);
+    }
+    // QCoro would move from a member that is not const.
+    co_return std::as_const(m_cached);
 }
 
 } // namespace tallyglass

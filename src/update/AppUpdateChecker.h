@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/Instant.h"
+#include "model/Throttle.h"
 #include "platform/Clock.h"
 #include "platform/Host.h"
 #include "platform/HttpClient.h"
@@ -28,15 +28,12 @@ public:
     QCoro::Task<std::optional<AppUpdateInfo>> checkForUpdate();
 
 private:
-    bool isThrottled(Instant now) const;
-    std::optional<AppUpdateInfo> cached() const;
-
     Clock &m_clock;
     HttpClient &m_http;
     const Host &m_host;
 
     std::optional<AppUpdateInfo> m_cached;
-    Instant m_throttleUntil = Instant::min();
+    Throttle m_throttle;
 };
 
 } // namespace tallyglass

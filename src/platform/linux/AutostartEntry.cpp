@@ -31,8 +31,8 @@ std::optional<QString> writeWhole(const QString &path, const QByteArray &content
 
 } // namespace
 
-AutostartEntry::AutostartEntry(Places places)
-    : m_places(std::move(places))
+AutostartEntry::AutostartEntry(Facts facts)
+    : m_facts(std::move(facts))
 {
 }
 
@@ -52,20 +52,20 @@ std::optional<QString> AutostartEntry::setEnabled(bool enabled)
     }
     if (!makePrivateFolder(QFileInfo(path()).path()))
         return qt_error_string(errno);
-    return writeWhole(path(), desktopEntry(m_places.program));
+    return writeWhole(path(), desktopEntry(m_facts.program));
 }
 
 QString AutostartEntry::path() const
 {
-    return m_places.configFolder + QStringLiteral("/autostart/tallyglass.desktop");
+    return m_facts.configFolder + QStringLiteral("/autostart/tallyglass.desktop");
 }
 
 bool AutostartEntry::startsProgram(const QString &command) const
 {
     const QString found = command.contains(u'/')
         ? command
-        : QStandardPaths::findExecutable(command, m_places.searchPath);
-    return found == m_places.program || QFileInfo(found).canonicalFilePath() == m_places.program;
+        : QStandardPaths::findExecutable(command, m_facts.searchPath);
+    return found == m_facts.program || QFileInfo(found).canonicalFilePath() == m_facts.program;
 }
 
 } // namespace tallyglass

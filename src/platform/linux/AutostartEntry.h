@@ -12,14 +12,14 @@ namespace tallyglass {
 class AutostartEntry final : public LoginItem
 {
 public:
-    struct Places
+    struct Facts
     {
         QString configFolder;
         QString program; ///< the full path that the session is to start
         QStringList searchPath; ///< in which an entry may name a program without its folder
     };
 
-    explicit AutostartEntry(Places places);
+    explicit AutostartEntry(Facts facts);
 
     bool isEnabled() const override;
     std::optional<QString> pendingStep() const override { return std::nullopt; }
@@ -29,7 +29,7 @@ private:
     QString path() const;
     bool startsProgram(const QString &command) const;
 
-    Places m_places;
+    Facts m_facts;
 };
 
 } // namespace tallyglass

@@ -47,7 +47,7 @@ Ports makePorts(const QString &homeFolder)
     // The command-line tools keep their secrets in files here.
     ports.keychain = std::make_unique<NoKeychain>();
     // Not this program but the command beside it, which desktops write when they add an entry.
-    ports.loginItem = std::make_unique<AutostartEntry>(AutostartEntry::Places{
+    ports.loginItem = std::make_unique<AutostartEntry>(AutostartEntry::Facts{
         .configFolder = config,
         .program = QCoreApplication::applicationDirPath() + QStringLiteral("/tallyglass"),
         .searchPath = ports.host.searchPath});

@@ -31,7 +31,7 @@ bool write(QIODevice &device, const QSettings::SettingsMap &settings)
     for (auto setting = settings.begin(); setting != settings.end(); ++setting)
         text += QUrl::toPercentEncoding(setting.key()) + '='
             + QUrl::toPercentEncoding(setting.value().toString()) + '\n';
-    // Qt's own writer looks at neither: on a full disk it put half a file in the place of a whole
+    // Qt's own writer looks at neither: on a full disk it put half a file instead of a whole
     // one and called that a success.
     auto &file = static_cast<QFileDevice &>(device);
     return file.write(text) == text.size() && file.flush() && file.size() == text.size();

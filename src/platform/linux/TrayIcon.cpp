@@ -30,7 +30,7 @@ bool TrayIcon::isShown() const
     return m_icon && m_host.isThere();
 }
 
-QRect TrayIcon::place() const
+QRect TrayIcon::area() const
 {
     const QRect told = m_icon ? m_icon->geometry() : QRect();
     return told.isEmpty() ? m_lastClick : told;

@@ -17,7 +17,7 @@ public:
     explicit TrayIcon(QIcon picture);
 
     bool isShown() const override;
-    QRect place() const override;
+    QRect area() const override;
     void setToolTip(const QString &text) override;
 
 private:

@@ -16,7 +16,7 @@ public:
     ~StatusItem() override;
 
     bool isShown() const override;
-    QRect place() const override;
+    QRect area() const override;
     void setToolTip(const QString &text) override;
 
 private:

@@ -20,7 +20,7 @@
 
 @implementation TGStatusItemTarget {
     std::function<void()> _clickHandler;
-    std::vector<std::function<void()>> _menuHandlers; // the place of each is its item's tag
+    std::vector<std::function<void()>> _menuHandlers; // the index of each is its item's tag
 }
 
 - (void)setClickHandler:(std::function<void()>)handler
@@ -120,7 +120,7 @@ bool StatusItem::isShown() const
     return m_item.visible;
 }
 
-QRect StatusItem::place() const
+QRect StatusItem::area() const
 {
     NSWindow *window = m_item.button.window;
     NSScreen *first = NSScreen.screens.firstObject;
