@@ -20,7 +20,7 @@ inline constexpr auto fieldNames = std::to_array<std::string_view>(
      "cache_creation_input_tokens", "cache_creation_tokens", "cache_read_input_tokens",
      "cache_read_tokens", "total_tokens",
      // Codex token records
-     "type", "info", "last_token_usage",
+     "type", "info", "last_token_usage", "latest_token_usage_record",
      // Limits
      "rate_limits", "rate_limit_info", "used_percent", "used_percentage", "resetsAt", "resets_at",
      "reset_at", "resetDate", "window_minutes", "windowMinutes", "duration_minutes",
@@ -153,7 +153,7 @@ private:
     static constexpr std::size_t hash(const char *name, std::size_t size)
     {
         // Found by trying at random.
-        constexpr std::uint32_t multiplier = 0xd01ad8d3;
+        constexpr std::uint32_t multiplier = 0x5b48368f;
         const auto last = fourCharacters(name + size - shortest) ^ static_cast<std::uint32_t>(size);
         return (fourCharacters(name) + last) * multiplier >> 24;
     }

@@ -52,10 +52,16 @@ std::optional<TokenUsage> tokensOfMember(const JsonValue &object, FieldKey key)
 /// thread, which would count everything again with every record.
 std::optional<TokenUsage> lastTokenUsage(const JsonValue &object)
 {
-    if (stringValue(object.find("type")) != "token_count")
-        return std::nullopt;
     const JsonValue *info = objectValue(object.find("info"));
     return info ? tokensOfMember(*info, "last_token_usage") : std::nullopt;
+}
+
+/// Members that hold nothing new: the usage has been read with its object, the info's limits too.
+/// Codex repeats the newest "token_usage_record" in other records.
+bool isWalked(const JsonValue &member, UsageProvider provider)
+{
+    return !member.isCalled("usage") && !member.isCalled("rate_limit_info")
+        && !(provider == UsageProvider::Codex && member.isCalled("latest_token_usage_record"));
 }
 
 class RecordWalk
@@ -80,7 +86,7 @@ public:
         if (!takeObject(value, passedOn))
             return;
         forEachContainer(value, [&](const JsonValue &member) {
-            if (member.isCalled("usage") || member.isCalled("rate_limit_info"))
+            if (!isWalked(member, passedOn.provider))
                 return;
             if (member.isCalled("rate_limits")) {
                 Inherited searched = passedOn;
@@ -105,13 +111,19 @@ private:
         if (const auto provider = providerHint(object))
             context.provider = *provider;
 
+        const bool isCodex = context.provider == UsageProvider::Codex;
+        const auto type = isCodex ? stringValue(object.find("type")) : std::nullopt;
+        // Stands beside the "token_count" of the same call and says the same, with running totals.
+        if (type == "token_usage_record")
+            return false;
+
         if (context.limitsAreReported && isRateLimit(object, m_origin.zone))
             context.limitsAreReported = false;
         std::vector<RateLimitUsage> limits;
         if (!context.limitsAreReported)
             limits = rateLimits(object, m_origin.zone, m_origin.names);
 
-        if (context.provider == UsageProvider::Codex) {
+        if (type == "token_count") {
             if (const auto tokens = lastTokenUsage(object)) {
                 append(context, *tokens, std::move(limits));
                 return false;
