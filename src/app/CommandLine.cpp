@@ -3,7 +3,7 @@
 #include "model/DisplayTexts.h"
 #include "model/UsageProvider.h"
 
-#include <utility>
+#include <QCommandLineParser>
 
 namespace tallyglass {
 
@@ -18,6 +18,49 @@ QString windowNames()
     return names.join(QLatin1String(", "));
 }
 
+/// An option, and the commands that take it. The application itself is the empty name.
+struct Option
+{
+    QCommandLineOption option;
+    QStringList commands;
+};
+
+const QString demo = QStringLiteral("demo");
+const QString json = QStringLiteral("json");
+const QString window = QStringLiteral("window");
+const QString report = QStringLiteral("report");
+
+QList<Option> allOptions()
+{
+    const auto withValue = [](const QString &name) {
+        return QCommandLineOption(name, {}, QStringLiteral("value"));
+    };
+    return {
+        {QCommandLineOption(demo), {QString(), report}},
+        {QCommandLineOption(json), {report}},
+        {withValue(window), {report}},
+    };
+}
+
+command::Misuse unknown(const QString &word)
+{
+    return {formatText("command.unknownWord.format", {word})};
+}
+
+Command reportCommand(const QCommandLineParser &given)
+{
+    command::Report chosen{.asJson = given.isSet(json), .inDemoHome = given.isSet(demo)};
+    if (given.isSet(window)) {
+        chosen.window = windowKindFromRawValue(given.value(window));
+        if (!chosen.window)
+            return command::Misuse{
+                formatText("command.unknownWindow.format", {given.value(window), windowNames()})};
+        if (chosen.asJson)
+            return command::Misuse{displayText("command.jsonIsWhole")};
+    }
+    return chosen;
+}
+
 } // namespace
 
 QString helpText()
@@ -30,35 +73,38 @@ QString helpText()
 
 Command parseCommandLine(const QStringList &words)
 {
-    command::Report report;
-    bool isReport = false;
-    for (qsizetype i = 0; i < words.size(); ++i) {
-        const QString &word = words[i];
-        if (word == QLatin1String("--help") || word == QLatin1String("-h"))
-            return command::Help{};
-        if (word == QLatin1String("--version"))
-            return command::Version{};
+    const QList<Option> options = allOptions();
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption version(QStringLiteral("version"));
+    QCommandLineParser given;
+    given.addOptions({help, version});
+    for (const Option &option : options)
+        given.addOption(option.option);
 
-        if (word == QLatin1String("report") && !std::exchange(isReport, true))
-            continue;
-        if (word == QLatin1String("--demo")) {
-            report.inDemoHome = true;
-        } else if (word == QLatin1String("--json") && isReport) {
-            report.asJson = true;
-        } else if (word == QLatin1String("--window") && isReport) {
-            report.window = windowKindFromRawValue(words.value(++i));
-            if (!report.window)
-                return command::Misuse{
-                    formatText("command.unknownWindow.format", {words.value(i), windowNames()})};
-        } else {
-            return command::Misuse{formatText("command.unknownWord.format", {word})};
-        }
+    // The parser passes over the first word, the program's name.
+    const bool isUnderstood = given.parse(QStringList(QString()) + words);
+    if (given.isSet(help))
+        return command::Help{};
+    if (given.isSet(version))
+        return command::Version{};
+    if (!isUnderstood) {
+        // Else a value is missing or one too many.
+        const QStringList names = given.unknownOptionNames();
+        return unknown(names.isEmpty() ? words.last() : QStringLiteral("--") + names.first());
     }
-    if (report.asJson && report.window)
-        return command::Misuse{displayText("command.jsonIsWhole")};
-    if (isReport)
-        return report;
-    return command::Start{.inDemoHome = report.inDemoHome};
+
+    const QStringList positional = given.positionalArguments();
+    const QString name = positional.value(0);
+    if (positional.size() > 1)
+        return unknown(positional[1]);
+    for (const Option &option : options) {
+        const QString &optionName = option.option.names().first();
+        if (given.isSet(optionName) && !option.commands.contains(name))
+            return unknown(QStringLiteral("--") + optionName);
+    }
+    if (name.isEmpty())
+        return command::Start{.inDemoHome = given.isSet(demo)};
+    return name == report ? reportCommand(given) : unknown(name);
 }
 
 } // namespace tallyglass

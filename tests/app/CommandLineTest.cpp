@@ -46,6 +46,7 @@ private Q_SLOTS:
              Report{.window = Month}},
             {"JSON of the demo", "report --json --demo",
              Report{.asJson = true, .inDemoHome = true}},
+            {"a value behind an equals sign", "report --window=week", Report{.window = Week}},
             {"the demo may come first", "--demo report", Report{.inDemoHome = true}},
         });
     }
@@ -64,7 +65,8 @@ private Q_SLOTS:
             {"an option of the report alone", "--json", "--json"},
             {"unknown window", "report --window year", "year"},
             {"a window's name is exact", "report --window Day", "Day"},
-            {"no window", "report --window", "fiveHours"},
+            {"no window", "report --window", "--window"},
+            {"a value too many", "report --json=3", "--json"},
             {"JSON holds all windows", "report --json --window day", "--window"},
         });
     }
