@@ -4,7 +4,6 @@
 #include "app/SingleInstance.h"
 #include "app/TallyglassApp.h"
 #include "platform/Desktop.h"
-#include "platform/NoKeychain.h"
 #include "ui/MenuBarExtra.h"
 
 #include <QApplication>
@@ -28,14 +27,6 @@ constexpr auto untilIconIsPlaced = 300ms;
 bool isAnySet(std::initializer_list<const char *> variables)
 {
     return std::ranges::any_of(variables, qEnvironmentVariableIsSet);
-}
-
-/// Without a display the program still counts, writes its files and notifies; windows are then
-/// drawn into memory.
-void choosePlatform()
-{
-    if (!hasDisplay() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
 /// Small windows that are seldom drawn: in software they take half of the memory and of the time
@@ -67,7 +58,7 @@ int start(const command::Start &start)
     if (start.inDemoHome) {
         ports.host.claudeApi.clear(); // nobody is asked about made-up limits
         ports.host.feedUrl.clear();
-        ports.keychain = std::make_unique<NoKeychain>(); // nor for the user's token
+        ports.keychain.reset(); // nor for the user's token
     }
     TallyglassApp application(std::move(ports));
     MenuBarExtra extra(application.model(), application.updater(), application.ports());
@@ -83,7 +74,7 @@ int start(const command::Start &start)
 
 int main(int argc, char *argv[])
 {
-    choosePlatform();
+    prepareForWindows();
     chooseRenderer();
     chooseLocale();
     QApplication application(argc, argv);

@@ -6,7 +6,7 @@ namespace tallyglass {
 
 TallyglassApp::TallyglassApp(Ports ports)
     : m_ports(std::move(ports))
-    , m_api(m_ports.host, *m_ports.clock, *m_ports.http, *m_ports.keychain)
+    , m_api(m_ports.host, *m_ports.clock, *m_ports.http, m_ports.keychain.get())
     , m_updates(*m_ports.clock, *m_ports.http, m_ports.host)
     , m_model(m_ports, m_api, m_updates)
     , m_updater(m_ports.host, m_ports.updater.get())

@@ -1,7 +1,7 @@
 #include "collect/LogFiles.h"
 
+#include "platform/Folders.h"
 #include "platform/Host.h"
-#include "platform/Packages.h"
 
 #include <algorithm>
 #include <array>

@@ -82,6 +82,7 @@ constexpr auto table = std::to_array<DisplayText>({
     {"settings.launchAtLogin.needsApproval",
      "システム設定の「ログイン項目」で Tallyglass を許可してください"},
     {"alerts.enable", "使用量がしきい値に達したら通知"},
+    {"alerts.needsApproval", "システム設定の「通知」で Tallyglass を許可してください"},
     {"alerts.threshold.format", "しきい値 %@"},
     {"alerts.body", "%1$@ の使用量が %2$@ に達しました"},
     {"budgets.section", "トークン予算(%推定用)"},

@@ -37,8 +37,8 @@ inline constexpr auto textKeys = std::to_array<std::string_view>(
      "settings.cliIntegration", "settings.cliLocalDataNotice", "settings.recheck",
      "settings.data.format", "settings.widgetSection", "settings.widgetNote",
      "settings.launchAtLogin", "settings.launchAtLogin.needsApproval", "alerts.enable",
-     "alerts.threshold.format", "alerts.body", "budgets.section", "cli.claude.bridgeReady",
-     "cli.claude.bridgeMissing",
+     "alerts.needsApproval", "alerts.threshold.format", "alerts.body", "budgets.section",
+     "cli.claude.bridgeReady", "cli.claude.bridgeMissing",
      // Command line
      "report.progress.format", "command.unknownWord.format", "command.unknownWindow.format",
      "command.noProgram.format", "command.jsonIsWhole", "command.help"});

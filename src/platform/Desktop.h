@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/MenuBarItem.h"
-
 #include <QColor>
 #include <QIcon>
 #include <QImage>
+#include <QObject>
+#include <QRect>
 
 #include <memory>
 
@@ -14,8 +14,9 @@ class QWindow;
 /// handed in: no test needs another.
 namespace tallyglass {
 
-/// Whether there is a screen that windows can be shown on.
-bool hasDisplay();
+/// Chooses, by the environment, how the toolkit is to behave. To be called before its application
+/// object is made.
+void prepareForWindows();
 
 /// The icon in the forms that menu bars and trays want.
 struct MenuBarIcon
@@ -25,6 +26,28 @@ struct MenuBarIcon
     QImage mask; ///< black on nothing, at two pixels a point: the system gives it its colour
 };
 
+/// The program's icon in the menu bar or in the desktop's tray, with a menu of its own.
+class MenuBarItem : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Whether the desktop shows it.
+    virtual bool isShown() const = 0;
+    /// Where it is on the screen. Some desktops do not tell: then where it was clicked last; empty
+    /// before the first click.
+    virtual QRect area() const = 0;
+    virtual void setToolTip(const QString &text) = 0;
+
+Q_SIGNALS:
+    void appeared();
+    void clicked();
+    void openChosen();
+    void refreshChosen();
+    void settingsChosen();
+    void quitChosen();
+};
+
 /// The item appears by itself as soon as the desktop has a place for it.
 std::unique_ptr<MenuBarItem> makeMenuBarItem(const MenuBarIcon &icon);
 
@@ -32,11 +55,11 @@ std::unique_ptr<MenuBarItem> makeMenuBarItem(const MenuBarIcon &icon);
 int dropDownRadius();
 
 /// Makes a window that is about to be shown a panel below the menu bar: one that task bars and
-/// switchers leave out, and that goes when the user clicks elsewhere.
-void becomeDropDown(QWindow &window);
+/// switchers leave out, and that goes when the user clicks elsewhere than on \a icon.
+void becomeDropDown(QWindow &window, const QRect &icon);
 
-/// Brings the program to the front, so that one of its ordinary windows gets the keys.
-void activateApplication();
+/// Brings a window that is shown to the front, where it gets the keys.
+void bringToFront(QWindow &window);
 
 /// The system's own drawing of a symbol in the middle of a picture of \a size pixels; null where
 /// the system has none of that name.

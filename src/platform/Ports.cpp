@@ -1,7 +1,5 @@
 #include "platform/Ports.h"
 
-#include "platform/MenuBarItem.h"
-
 namespace tallyglass {
 
 // Each here, so that its table of virtual functions exists once.
@@ -9,11 +7,7 @@ Clock::~Clock() = default;
 HttpClient::~HttpClient() = default;
 Keychain::~Keychain() = default;
 LoginItem::~LoginItem() = default;
-MenuBarItem::~MenuBarItem() = default;
-Notifier::~Notifier() = default;
 ProcessRunner::~ProcessRunner() = default;
-SleepWatch::~SleepWatch() = default;
-UpdaterEngine::~UpdaterEngine() = default;
 UserDefaults::~UserDefaults() = default;
 WidgetCentre::~WidgetCentre() = default;
 

@@ -32,10 +32,12 @@ std::optional<ClaudeCredentials> credentials(const QJsonDocument &document, Inst
 
 } // namespace
 
-std::optional<ClaudeCredentials> findClaudeCredentials(const Host &host, const Keychain &keychain,
+std::optional<ClaudeCredentials> findClaudeCredentials(const Host &host, const Keychain *keychain,
                                                        Instant now)
 {
-    const auto item = keychain.genericPassword(QStringLiteral("Claude Code-credentials"));
+    const auto item = keychain
+        ? keychain->genericPassword(QStringLiteral("Claude Code-credentials"))
+        : std::nullopt;
     if (const auto found = item ? credentials(QJsonDocument::fromJson(*item), now) : std::nullopt)
         return found;
     const auto file = readJsonFile(host.homeFolder + QStringLiteral("/.claude/.credentials.json"));

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "model/Instant.h"
-#include "platform/Host.h"
-#include "platform/Keychain.h"
+#include "platform/Ports.h"
 
 #include <QByteArray>
 
@@ -20,10 +19,10 @@ struct ClaudeCredentials
     bool operator==(const ClaudeCredentials &) const = default;
 };
 
-/// Looks in the keychain, and where that has no token, in ".claude/.credentials.json". A token in
-/// the keychain that has expired is final. May wait for the user's consent: never on the main
-/// thread.
-std::optional<ClaudeCredentials> findClaudeCredentials(const Host &host, const Keychain &keychain,
+/// Looks in the keychain if there is one, and where that has no token, in
+/// ".claude/.credentials.json". A token in the keychain that has expired is final. May wait for the
+/// user's consent: never on the main thread.
+std::optional<ClaudeCredentials> findClaudeCredentials(const Host &host, const Keychain *keychain,
                                                        Instant now);
 
 } // namespace tallyglass

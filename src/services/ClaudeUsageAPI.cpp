@@ -86,7 +86,7 @@ HttpRequest usageRequest(const QString &api, const QByteArray &token)
 } // namespace
 
 ClaudeUsageAPI::ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http,
-                               const Keychain &keychain)
+                               const Keychain *keychain)
     : m_host(host)
     , m_clock(clock)
     , m_http(http)

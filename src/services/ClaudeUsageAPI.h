@@ -2,10 +2,7 @@
 
 #include "model/RateLimitUsage.h"
 #include "model/Throttle.h"
-#include "platform/Clock.h"
-#include "platform/Host.h"
-#include "platform/HttpClient.h"
-#include "platform/Keychain.h"
+#include "platform/Ports.h"
 #include "services/ClaudeUsageAPIStatus.h"
 
 #include <QCoroTask>
@@ -23,7 +20,7 @@ namespace tallyglass {
 class ClaudeUsageAPI
 {
 public:
-    ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http, const Keychain &keychain);
+    ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http, const Keychain *keychain);
 
     QCoro::Task<std::vector<RateLimitUsage>> fetchLimits();
     const ClaudeUsageAPIStatus &status() const { return m_status; }
@@ -34,7 +31,7 @@ private:
     const Host &m_host;
     Clock &m_clock;
     HttpClient &m_http;
-    const Keychain &m_keychain;
+    const Keychain *m_keychain;
 
     ClaudeUsageAPIStatus m_status;
     std::vector<RateLimitUsage> m_cachedLimits;

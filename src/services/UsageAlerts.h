@@ -1,8 +1,7 @@
 #pragma once
 
 #include "model/UsageSummary.h"
-#include "platform/Notifier.h"
-#include "platform/UserDefaults.h"
+#include "platform/Ports.h"
 
 namespace tallyglass {
 

@@ -123,7 +123,8 @@ QCoro::Task<> UsageModel::publishSnapshot(UsageSnapshot snapshot)
 {
     publish(m_snapshot, std::move(snapshot));
     co_await saveSnapshot();
-    m_ports.widgets->reloadAllTimelines();
+    if (m_ports.widgets)
+        m_ports.widgets->reloadAllTimelines();
 }
 
 /// In a worker: bringing a file safely to the disk may take longer than a frame.
@@ -143,7 +144,7 @@ QCoro::Task<> UsageModel::refreshTokenIfDue()
         co_return;
 
     const auto credentials = co_await QtConcurrent::run([&ports = m_ports, now] {
-        return findClaudeCredentials(ports.host, *ports.keychain, now);
+        return findClaudeCredentials(ports.host, ports.keychain.get(), now);
     });
     if (!credentials)
         co_return;

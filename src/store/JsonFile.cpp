@@ -1,6 +1,6 @@
 #include "store/JsonFile.h"
 
-#include "platform/PrivateFolder.h"
+#include "platform/Folders.h"
 
 #include <QDir>
 #include <QFile>

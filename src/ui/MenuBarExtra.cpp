@@ -49,6 +49,7 @@ MenuBarExtra::MenuBarExtra(UsageModel &model, AppUpdater &updater, Ports &ports,
     connect(m_item.get(), &MenuBarItem::settingsChosen, this, &MenuBarExtra::openSettings);
     connect(m_item.get(), &MenuBarItem::quitChosen, this, &MenuBarExtra::quit);
     connect(m_item.get(), &MenuBarItem::appeared, this, &MenuBarExtra::closePanel);
+    connect(ports.notifier.get(), &Notifier::clicked, this, &MenuBarExtra::openPanel);
 
     connect(&m_panelViewModel, &PanelViewModel::changed, this, &MenuBarExtra::updateToolTip);
     updateToolTip();
@@ -111,9 +112,7 @@ void MenuBarExtra::openSettings()
     }
     m_settingsViewModel.reload();
     m_settings->show();
-    activateApplication();
-    m_settings->raise();
-    m_settings->requestActivate();
+    bringToFront(*m_settings);
 }
 
 void MenuBarExtra::closeSettings()

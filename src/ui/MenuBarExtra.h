@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/MenuBarItem.h"
+#include "platform/Desktop.h"
 #include "ui/PanelViewModel.h"
 #include "ui/SettingsViewModel.h"
 

@@ -64,12 +64,11 @@ void PanelWindow::open(Qt::WindowFlags flags, int margin)
     m_available = availableAround(m_icon);
     fitContent(m_available.height() - 2 * margin);
     if (m_dropsDown) {
-        becomeDropDown(*this);
+        becomeDropDown(*this, m_icon);
         setPosition(panelPlace(size(), m_icon, m_available));
     }
     show();
-    raise();
-    requestActivate();
+    bringToFront(*this);
 }
 
 /// The panel takes the height of its content, an ordinary window lets the user choose.

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "platform/Host.h"
-#include "platform/UpdaterEngine.h"
+#include "platform/Ports.h"
 
 #include <QObject>
 

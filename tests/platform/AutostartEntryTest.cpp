@@ -1,7 +1,4 @@
-#include "platform/linux/AutostartEntry.h"
-
-#include "platform/linux/ConfigFolder.h"
-#include "platform/linux/DesktopEntry.h"
+#include "platform/linux/LinuxPorts.h"
 #include "support/FullDisk.h"
 #include "support/Table.h"
 #include "support/TemporaryHome.h"
@@ -20,11 +17,12 @@ const QByteArray head = "[Desktop Entry]\nType=Application\nName=Tallyglass\n";
 const QString program = QFileInfo(QStringLiteral("/usr/bin/env")).canonicalFilePath();
 const QString entry = QStringLiteral("autostart/tallyglass.desktop");
 
-AutostartEntry itemIn(const test::TemporaryHome &config)
+std::unique_ptr<LoginItem> itemIn(const test::TemporaryHome &config,
+                                  const QString &started = program)
 {
-    return AutostartEntry({.configFolder = config.path(),
-                           .program = program,
-                           .searchPath = {QStringLiteral("/usr/bin")}});
+    return makeAutostartEntry({.configFolder = config.path(),
+                               .program = started,
+                               .searchPath = {QStringLiteral("/usr/bin")}});
 }
 
 } // namespace
@@ -68,16 +66,16 @@ private Q_SLOTS:
     {
         const auto row = test::currentRow<EntryRow>();
         const test::TemporaryHome config;
-        AutostartEntry item = itemIn(config);
-        QVERIFY(!item.isEnabled());
+        const auto item = itemIn(config);
+        QVERIFY(!item->isEnabled());
         config.write(entry, row.content);
-        QCOMPARE(item.isEnabled(), row.isEnabled);
+        QCOMPARE(item->isEnabled(), row.isEnabled);
 
-        QCOMPARE(item.setEnabled(false), std::nullopt);
+        QCOMPARE(item->setEnabled(false), std::nullopt);
         QCOMPARE(config.read(entry), row.isEnabled ? QByteArray() : row.content); // gone if ours
-        QVERIFY(!item.isEnabled());
-        QCOMPARE(item.setEnabled(true), std::nullopt);
-        QVERIFY(item.isEnabled());
+        QVERIFY(!item->isEnabled());
+        QCOMPARE(item->setEnabled(true), std::nullopt);
+        QVERIFY(item->isEnabled());
     }
 
     void quotesThePath_data()
@@ -94,38 +92,31 @@ private Q_SLOTS:
     {
         const auto row = test::currentRow<PathRow>();
         const test::TemporaryHome config;
-        const QByteArray text = desktopEntry(QString::fromUtf8(row.program));
+        const auto item = itemIn(config, QString::fromUtf8(row.program));
+        QCOMPARE(item->setEnabled(true), std::nullopt);
+        const QByteArray text = config.read(entry);
         QVERIFY2(text.split('\n').contains(row.line), text);
-        QCOMPARE(readDesktopEntry(config.write(entry, text)),
-                 (DesktopEntry{.program = QString::fromUtf8(row.program)}));
+        QVERIFY(item->isEnabled());
     }
 
     void failsWithTheSystemsText()
     {
         const test::TemporaryHome config;
         config.write(QStringLiteral("autostart"));
-        AutostartEntry item = itemIn(config);
-        QCOMPARE(item.setEnabled(true), QString::fromLocal8Bit(std::strerror(EEXIST)));
-        QVERIFY(!item.isEnabled());
+        const auto item = itemIn(config);
+        QCOMPARE(item->setEnabled(true), QString::fromLocal8Bit(std::strerror(EEXIST)));
+        QVERIFY(!item->isEnabled());
     }
 
     void aFullDiskLeavesNoHalfFile()
     {
         const test::TemporaryHome config;
-        AutostartEntry item = itemIn(config);
+        const auto item = itemIn(config);
         {
             const test::FullDisk disk(20);
-            QVERIFY(item.setEnabled(true).has_value());
+            QVERIFY(item->setEnabled(true).has_value());
         }
         QVERIFY(QDir(config.path(QStringLiteral("autostart"))).isEmpty());
-    }
-
-    void aRelativeConfigFolderDoesNotCount()
-    {
-        qputenv("XDG_CONFIG_HOME", "config");
-        QCOMPARE(configFolder(QStringLiteral("/home/ann")), QStringLiteral("/home/ann/.config"));
-        qputenv("XDG_CONFIG_HOME", "/srv/ann/");
-        QCOMPARE(configFolder(QStringLiteral("/home/ann")), QStringLiteral("/srv/ann"));
     }
 };
 

@@ -59,6 +59,12 @@ private Q_SLOTS:
         QVERIFY(!home.read(QStringLiteral(".config/Tallyglass.conf")).isEmpty());
         QVERIFY(home.read(QStringLiteral(".config/autostart/tallyglass.desktop"))
                     .contains(QCoreApplication::applicationDirPath().toUtf8() + "/tallyglass\""));
+
+        const test::TemporaryHome config; // in its place, but only by its full path
+        for (const QByteArray &chosen : {config.path().toUtf8() + '/', QByteArray("config")}) {
+            qputenv("XDG_CONFIG_HOME", chosen);
+            QCOMPARE(makePorts(home.path()).loginItem->isEnabled(), chosen == "config");
+        }
     }
 
     void whatItRunsDiesWithIt()

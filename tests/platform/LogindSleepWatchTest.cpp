@@ -1,5 +1,4 @@
-#include "platform/linux/LogindSleepWatch.h"
-
+#include "platform/linux/LinuxPorts.h"
 #include "support/PrivateBus.h"
 
 #include <QDBusConnection>
@@ -25,8 +24,8 @@ private Q_SLOTS:
         auto manager = QDBusConnection::connectToBus(address, QStringLiteral("login manager"));
         QVERIFY(manager.registerService(QStringLiteral("org.freedesktop.login1")));
 
-        LogindSleepWatch watch;
-        const QSignalSpy woke(&watch, &SleepWatch::woke);
+        const auto watch = makeLogindSleepWatch();
+        const QSignalSpy woke(watch.get(), &SleepWatch::woke);
         const auto announce = [&manager](bool begins) {
             QDBusMessage signal =
                 QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/login1"),

@@ -76,7 +76,7 @@ private Q_SLOTS:
             home.write(QStringLiteral(".claude/.credentials.json"), row.file);
         fake.http.replies = {{200, "{}"}};
 
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, fake.keychain);
+        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
         QCoro::waitFor(api.fetchLimits());
         QVERIFY(api.status() == row.status);
         QCOMPARE(fake.http.requests.size(), std::size_t{row.token ? 1U : 0U});
@@ -100,7 +100,7 @@ private Q_SLOTS:
         home.write(QStringLiteral(".claude/.credentials.json"), goodToken);
         FakePorts fake(home.path());
         fake.ports.host.claudeApi = QStringLiteral("http://api.example");
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, fake.keychain);
+        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
         QCoro::waitFor(api.fetchLimits());
         QVERIFY(fake.http.requests.empty());
         QVERIFY(api.status() == ClaudeUsageAPIStatus{apistatus::NetworkError{}});
@@ -125,7 +125,7 @@ private Q_SLOTS:
         home.write(QStringLiteral(".claude/.credentials.json"), goodToken);
         FakePorts fake(home.path());
         fake.http.replies = {row.reply, {200, R"({"five_hour":{"utilization":1}})"}};
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, fake.keychain);
+        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
 
         const auto first = QCoro::waitFor(api.fetchLimits());
         fake.clock.advance(row.pause - 1ms);
@@ -144,7 +144,7 @@ private Q_SLOTS:
     {
         const test::TemporaryHome home;
         FakePorts fake(home.path());
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, fake.keychain);
+        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
         QCoro::waitFor(api.fetchLimits());
         home.write(QStringLiteral(".claude/.credentials.json"), goodToken);
         fake.clock.advance(-24h);

@@ -56,7 +56,7 @@ struct Machine
 
     test::TemporaryHome home;
     test::FakePorts fake{home.path()};
-    ClaudeUsageAPI api{fake.ports.host, fake.clock, fake.http, fake.keychain};
+    ClaudeUsageAPI api{fake.ports.host, fake.clock, fake.http, &fake.keychain};
     AppUpdateChecker updates{fake.clock, fake.http, fake.ports.host};
     UsageModel model{fake.ports, api, updates};
 };

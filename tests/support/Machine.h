@@ -23,7 +23,7 @@ struct Machine
 
     TemporaryHome home;
     FakePorts fake;
-    ClaudeUsageAPI api{fake.ports.host, fake.clock, fake.http, fake.keychain};
+    ClaudeUsageAPI api{fake.ports.host, fake.clock, fake.http, &fake.keychain};
     AppUpdateChecker updates{fake.clock, fake.http, fake.ports.host};
     UsageModel model{fake.ports, api, updates};
 };

@@ -1,10 +1,8 @@
-#include "platform/linux/AutostartEntry.h"
-
-#include "platform/PrivateFolder.h"
-#include "platform/linux/ConfigFolder.h"
-#include "platform/linux/DesktopEntry.h"
+#include "platform/Folders.h"
+#include "platform/linux/LinuxPorts.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -13,6 +11,110 @@
 namespace tallyglass {
 
 namespace {
+
+constexpr qint64 largestEntry = qint64{64} * 1024; // bytes; real ones have a few hundred
+
+/// The keys of the group that matters.
+std::optional<QHash<QString, QString>> readKeys(const QString &path)
+{
+    // Looked at before it is opened: opening a pipe would wait for somebody to write to it.
+    const QFileInfo info(path);
+    QFile file(path);
+    if (!info.isFile() || info.size() > largestEntry || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+
+    std::optional<QHash<QString, QString>> keys;
+    bool isInGroup = false;
+    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    for (const QString &untrimmed : lines) {
+        const QString line = untrimmed.trimmed();
+        if (line.startsWith(u'[')) {
+            isInGroup = line == QStringLiteral("[Desktop Entry]");
+            if (isInGroup && !keys)
+                keys.emplace();
+        } else if (const qsizetype sign = line.indexOf(u'='); isInGroup && sign > 0) {
+            keys->insert(line.first(sign).trimmed(), line.sliced(sign + 1).trimmed());
+        }
+    }
+    return keys;
+}
+
+/// Undoes the escapes that every text value may have.
+QString unescaped(const QString &value)
+{
+    static const QHash<QChar, QChar> meanings{
+        {u's', u' '}, {u'n', u'\n'}, {u't', u'\t'}, {u'r', u'\r'}, {u'\\', u'\\'}};
+    QString result;
+    for (qsizetype i = 0; i < value.size(); ++i) {
+        if (value[i] == u'\\' && i + 1 < value.size() && meanings.contains(value[i + 1]))
+            result += meanings[value[++i]];
+        else
+            result += value[i];
+    }
+    return result;
+}
+
+/// The first word of a command line, whose quoting is a layer of its own below that of the value.
+QString firstWord(const QString &command)
+{
+    const bool isQuoted = command.startsWith(u'"');
+    QString word;
+    for (qsizetype i = isQuoted ? 1 : 0; i < command.size(); ++i) {
+        if (command[i] == (isQuoted ? u'"' : u' '))
+            break;
+        if (isQuoted && command[i] == u'\\' && i + 1 < command.size())
+            ++i;
+        word += command[i];
+    }
+    return word.replace(QStringLiteral("%%"), QStringLiteral("%"));
+}
+
+QString quoted(const QString &program)
+{
+    QString word;
+    for (const QChar character : program) {
+        if (QStringLiteral("\"`$\\").contains(character))
+            word += u'\\';
+        word += character;
+    }
+    word.replace(u'%', QStringLiteral("%%")); // one alone would begin a field code
+    return u'"' + word + u'"';
+}
+
+QString escaped(QString value)
+{
+    return value.replace(u'\\', QStringLiteral("\\\\"))
+        .replace(u'\n', QStringLiteral("\\n"))
+        .replace(u'\t', QStringLiteral("\\t"))
+        .replace(u'\r', QStringLiteral("\\r"));
+}
+
+/// What a desktop entry says about a program that the session starts.
+struct DesktopEntry
+{
+    QString program; ///< the first word of its command, without quotes
+    bool isOff = false; ///< by any of the switches that desktops offer their users
+};
+
+/// Nothing when there is no such file or it is no desktop entry.
+std::optional<DesktopEntry> readDesktopEntry(const QString &path)
+{
+    const auto keys = readKeys(path);
+    if (!keys)
+        return std::nullopt;
+    return DesktopEntry{
+        .program = firstWord(unescaped(keys->value(QStringLiteral("Exec")))),
+        .isOff = keys->value(QStringLiteral("Hidden")) == QStringLiteral("true")
+            || keys->value(QStringLiteral("X-GNOME-Autostart-enabled")) == QStringLiteral("false"),
+    };
+}
+
+/// The text of an entry that starts \a program, a full path of whatever characters.
+QByteArray desktopEntry(const QString &program)
+{
+    return "[Desktop Entry]\nType=Application\nName=Tallyglass\nIcon=tallyglass\nExec="
+        + escaped(quoted(program)).toUtf8() + '\n';
+}
 
 /// Gives the system's text of what went wrong.
 std::optional<QString> writeWhole(const QString &path, const QByteArray &content)
@@ -29,12 +131,23 @@ std::optional<QString> writeWhole(const QString &path, const QByteArray &content
     return file.commit() ? std::nullopt : std::optional{file.errorString()};
 }
 
-} // namespace
-
-AutostartEntry::AutostartEntry(Facts facts)
-    : m_facts(std::move(facts))
+class AutostartEntry final : public LoginItem
 {
-}
+public:
+    explicit AutostartEntry(Autostart autostart)
+        : m_autostart(std::move(autostart))
+    {
+    }
+
+    bool isEnabled() const override;
+    std::optional<QString> setEnabled(bool enabled) override;
+
+private:
+    QString path() const;
+    bool startsProgram(const QString &command) const;
+
+    Autostart m_autostart;
+};
 
 bool AutostartEntry::isEnabled() const
 {
@@ -52,20 +165,28 @@ std::optional<QString> AutostartEntry::setEnabled(bool enabled)
     }
     if (!makePrivateFolder(QFileInfo(path()).path()))
         return qt_error_string(errno);
-    return writeWhole(path(), desktopEntry(m_facts.program));
+    return writeWhole(path(), desktopEntry(m_autostart.program));
 }
 
 QString AutostartEntry::path() const
 {
-    return m_facts.configFolder + QStringLiteral("/autostart/tallyglass.desktop");
+    return m_autostart.configFolder + QStringLiteral("/autostart/tallyglass.desktop");
 }
 
 bool AutostartEntry::startsProgram(const QString &command) const
 {
     const QString found = command.contains(u'/')
         ? command
-        : QStandardPaths::findExecutable(command, m_facts.searchPath);
-    return found == m_facts.program || QFileInfo(found).canonicalFilePath() == m_facts.program;
+        : QStandardPaths::findExecutable(command, m_autostart.searchPath);
+    return found == m_autostart.program
+        || QFileInfo(found).canonicalFilePath() == m_autostart.program;
+}
+
+} // namespace
+
+std::unique_ptr<LoginItem> makeAutostartEntry(Autostart autostart)
+{
+    return std::make_unique<AutostartEntry>(std::move(autostart));
 }
 
 } // namespace tallyglass

@@ -1,5 +1,6 @@
-#include "platform/linux/DesktopNotifier.h"
+#include "platform/linux/LinuxPorts.h"
 
+#include <QDBusConnection>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QFileInfo>
@@ -61,22 +62,24 @@ QDBusMessage notifyCall(const Notification &notification, bool takesMarkup)
     return message;
 }
 
-} // namespace
-
-void DesktopNotifier::requestPermission()
+// Desktops let the user switch a program's notifications off; they ask nothing beforehand.
+class DesktopNotifier final : public Notifier
 {
-    // Desktops let the user switch a program's notifications off; they ask nothing beforehand.
-}
+public:
+    void post(const Notification &notification) override;
+
+private:
+    void askForCapabilities(const QDBusConnection &bus, const Notification &notification);
+};
 
 void DesktopNotifier::post(const Notification &notification)
 {
-    auto *watcher = new QFutureWatcher<QDBusConnection>(&m_waits);
-    QObject::connect(watcher, &QFutureWatcherBase::finished, &m_waits,
-                     [this, notification, watcher] {
-                         watcher->deleteLater();
-                         if (const QDBusConnection bus = watcher->result(); bus.isConnected())
-                             askForCapabilities(bus, notification);
-                     });
+    auto *watcher = new QFutureWatcher<QDBusConnection>(this);
+    QObject::connect(watcher, &QFutureWatcherBase::finished, this, [this, notification, watcher] {
+        watcher->deleteLater();
+        if (const QDBusConnection bus = watcher->result(); bus.isConnected())
+            askForCapabilities(bus, notification);
+    });
     watcher->setFuture(QtConcurrent::run(connectedBus));
 }
 
@@ -85,16 +88,23 @@ void DesktopNotifier::askForCapabilities(const QDBusConnection &bus,
 {
     // Some daemons read the body as markup and the others show "&amp;" as it stands. Asked each
     // time, for the user may change the daemon while we run.
-    auto *watcher = new QDBusPendingCallWatcher(
-        bus.asyncCall(call(QStringLiteral("GetCapabilities"))), &m_waits);
+    auto *watcher =
+        new QDBusPendingCallWatcher(bus.asyncCall(call(QStringLiteral("GetCapabilities"))), this);
     QObject::connect(
-        watcher, &QDBusPendingCallWatcher::finished, &m_waits, [bus, notification, watcher] {
+        watcher, &QDBusPendingCallWatcher::finished, this, [bus, notification, watcher] {
             watcher->deleteLater();
             const QDBusPendingReply<QStringList> capabilities = *watcher;
             if (!capabilities.isError())
                 bus.asyncCall(notifyCall(
                     notification, capabilities.value().contains(QStringLiteral("body-markup"))));
         });
+}
+
+} // namespace
+
+std::unique_ptr<Notifier> makeDesktopNotifier()
+{
+    return std::make_unique<DesktopNotifier>();
 }
 
 } // namespace tallyglass

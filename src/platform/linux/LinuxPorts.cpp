@@ -1,11 +1,5 @@
-#include "platform/NoKeychain.h"
-#include "platform/Ports.h"
-#include "platform/linux/AutostartEntry.h"
-#include "platform/linux/ConfigFolder.h"
-#include "platform/linux/DeathSignal.h"
-#include "platform/linux/DesktopNotifier.h"
-#include "platform/linux/LogindSleepWatch.h"
-#include "platform/linux/SettingsFile.h"
+#include "platform/linux/LinuxPorts.h"
+
 #include "platform/qt/ProcessGroupRunner.h"
 #include "platform/qt/QtHttpClient.h"
 #include "platform/qt/SystemClock.h"
@@ -13,15 +7,34 @@
 #include <QCoreApplication>
 #include <QDir>
 
+#include <csignal>
+#include <sys/prctl.h>
+#include <unistd.h>
+
 namespace tallyglass {
 
 namespace {
 
-class NoWidgetCentre final : public WidgetCentre
+/// Where the user's programs keep their settings: $XDG_CONFIG_HOME when that is a full path, as the
+/// desktop's rules demand, else ".config" in the home folder.
+QString configFolder(const QString &homeFolder)
 {
-public:
-    void reloadAllTimelines() override { }
-};
+    const QString chosen = qEnvironmentVariable("XDG_CONFIG_HOME");
+    return QDir::isAbsolutePath(chosen) ? QDir::cleanPath(chosen)
+                                        : homeFolder + QStringLiteral("/.config");
+}
+
+/// For a child to run before its program: the system then kills it when we are killed ourselves.
+/// The system watches the thread that started the child, so that must be one that lasts.
+std::function<void()> dieWithThisProcess()
+{
+    return [parent = getpid()] {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        // Killed before the system was told: nobody would tell us any more.
+        if (getppid() != parent)
+            raise(SIGKILL);
+    };
+}
 
 Host makeHost(const QString &homeFolder)
 {
@@ -44,18 +57,16 @@ Ports makePorts(const QString &homeFolder)
     const QString config = configFolder(homeFolder);
     ports.clock = std::make_unique<SystemClock>();
     ports.http = std::make_unique<QtHttpClient>();
-    // The command-line tools keep their secrets in files here.
-    ports.keychain = std::make_unique<NoKeychain>();
     // Not this program but the command beside it, which desktops write when they add an entry.
-    ports.loginItem = std::make_unique<AutostartEntry>(AutostartEntry::Facts{
-        .configFolder = config,
-        .program = QCoreApplication::applicationDirPath() + QStringLiteral("/tallyglass"),
-        .searchPath = ports.host.searchPath});
-    ports.notifier = std::make_unique<DesktopNotifier>();
+    ports.loginItem = makeAutostartEntry(
+        {.configFolder = config,
+         .program = QCoreApplication::applicationDirPath() + QStringLiteral("/tallyglass"),
+         .searchPath = ports.host.searchPath});
+    ports.notifier = makeDesktopNotifier();
     ports.processes = std::make_unique<ProcessGroupRunner>(dieWithThisProcess());
-    ports.sleepWatch = std::make_unique<LogindSleepWatch>();
-    ports.defaults = std::make_unique<SettingsFile>(config + QStringLiteral("/Tallyglass.conf"));
-    ports.widgets = std::make_unique<NoWidgetCentre>();
+    ports.sleepWatch = makeLogindSleepWatch();
+    ports.defaults = makeSettingsFile(config + QStringLiteral("/Tallyglass.conf"));
+    // No keychain: the command-line tools keep their secrets in files here.
     return ports;
 }
 

@@ -1,8 +1,21 @@
-#include "platform/linux/LogindSleepWatch.h"
+#include "platform/linux/LinuxPorts.h"
 
 #include <QDBusConnection>
 
 namespace tallyglass {
+
+namespace {
+
+class LogindSleepWatch final : public SleepWatch
+{
+    Q_OBJECT
+
+public:
+    LogindSleepWatch();
+
+private Q_SLOTS:
+    void prepareForSleep(bool begins);
+};
 
 LogindSleepWatch::LogindSleepWatch()
 {
@@ -19,4 +32,13 @@ void LogindSleepWatch::prepareForSleep(bool begins)
         Q_EMIT woke();
 }
 
+} // namespace
+
+std::unique_ptr<SleepWatch> makeLogindSleepWatch()
+{
+    return std::make_unique<LogindSleepWatch>();
+}
+
 } // namespace tallyglass
+
+#include "LogindSleepWatch.moc"

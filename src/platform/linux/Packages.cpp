@@ -1,4 +1,4 @@
-#include "platform/Packages.h"
+#include "platform/Folders.h"
 
 #include <QString>
 

@@ -1,10 +1,9 @@
-#include "platform/linux/SettingsFile.h"
-
-#include "platform/PrivateFolder.h"
-#include "platform/linux/ConfigFolder.h"
+#include "platform/Folders.h"
+#include "platform/linux/LinuxPorts.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSettings>
 #include <QUrl>
 
 namespace tallyglass {
@@ -44,7 +43,17 @@ QSettings::Format checkedFormat()
     return format;
 }
 
-} // namespace
+class SettingsFile final : public UserDefaults
+{
+public:
+    explicit SettingsFile(const QString &path);
+
+    QVariant value(const QString &key) const override;
+    void setValue(const QString &key, const QVariant &value) override;
+
+private:
+    QSettings m_settings;
+};
 
 SettingsFile::SettingsFile(const QString &path)
     : m_settings(path, checkedFormat())
@@ -65,6 +74,13 @@ void SettingsFile::setValue(const QString &key, const QVariant &value)
                   QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     m_settings.setValue(key, value);
     m_settings.sync();
+}
+
+} // namespace
+
+std::unique_ptr<UserDefaults> makeSettingsFile(const QString &path)
+{
+    return std::make_unique<SettingsFile>(path);
 }
 
 } // namespace tallyglass

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QGuiApplication>
+
 #include <cstdlib>
 #include <memory>
 #include <string_view>
@@ -17,9 +19,20 @@ template<typename Reply>
 using Owned = std::unique_ptr<Reply, Free>;
 
 /// The toolkit's own; null where another window system is used.
-xcb_connection_t *connection();
+inline xcb_connection_t *connection()
+{
+    const auto *application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return application ? application->connection() : nullptr;
+}
 
 /// The number of a name. Only with a connection.
-xcb_atom_t atom(std::string_view name);
+inline xcb_atom_t atom(std::string_view name)
+{
+    const auto question =
+        xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const Owned<xcb_intern_atom_reply_t> reply(
+        xcb_intern_atom_reply(connection(), question, nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
 
 } // namespace tallyglass::x11

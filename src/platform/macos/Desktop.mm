@@ -1,23 +1,68 @@
 #include "platform/Desktop.h"
 
 #include "platform/macos/NativeWindows.h"
-#include "platform/macos/OutsideClicks.h"
-#include "platform/macos/StatusItem.h"
 
+#include <QCursor>
 #include <QWindow>
 
 #import <AppKit/AppKit.h>
+#include <algorithm>
 
 namespace tallyglass {
 
-bool hasDisplay()
+namespace {
+
+NSWindow *nativeWindow(const QWindow &window)
 {
-    return true;
+    return ((__bridge NSView *)reinterpret_cast<void *>(window.winId())).window;
 }
 
-std::unique_ptr<MenuBarItem> makeMenuBarItem(const MenuBarIcon &icon)
+/// After a panel that was closed by a key nobody would have the keys.
+void giveFrontBack()
 {
-    return std::make_unique<StatusItem>(icon);
+    const auto isVisible = [](const QWindow *window) { return window->isVisible(); };
+    if (NSApp.active && std::ranges::none_of(QGuiApplication::topLevelWindows(), isVisible))
+        [NSApp hide:nil];
+}
+
+/// From the opening of a panel to its closing: hides it when the user clicks into another program.
+class OutsideClicks final : public QObject
+{
+public:
+    OutsideClicks(QWindow &panel, QRect icon)
+        : QObject(&panel)
+        , m_monitor([NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown
+                             | NSEventMaskRightMouseDown
+                                                           handler:^(NSEvent *) {
+                                                               // Recent systems count our own item
+                                                               // as another program's; its click is
+                                                               // on the way to us.
+                                                               if (!icon.contains(QCursor::pos()))
+                                                                   panel.hide();
+                                                           }])
+    {
+        connect(&panel, &QWindow::visibleChanged, this, [this](bool isVisible) {
+            if (isVisible)
+                return;
+            deleteLater();
+            // Later: another program or another window of ours may be about to come to the front.
+            dispatch_async(dispatch_get_main_queue(), ^{ giveFrontBack(); });
+        });
+    }
+    OutsideClicks(const OutsideClicks &) = delete;
+    OutsideClicks &operator=(const OutsideClicks &) = delete;
+    ~OutsideClicks() override { [NSEvent removeMonitor:m_monitor]; }
+
+private:
+    id m_monitor;
+};
+
+} // namespace
+
+void prepareForWindows()
+{
+    // Else the toolkit takes the front from whatever the user is typing in when they log in.
+    qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
 }
 
 int dropDownRadius()
@@ -25,28 +70,28 @@ int dropDownRadius()
     return 10;
 }
 
-void becomeDropDown(QWindow &window)
+void becomeDropDown(QWindow &window, const QRect &icon)
 {
     if (!drawsNatively())
         return;
-    NSView *view = (__bridge NSView *)reinterpret_cast<void *>(window.winId());
-    NSWindow *panel = view.window;
-    if ([panel isKindOfClass:NSPanel.class])
-        panel.styleMask |= NSWindowStyleMaskNonactivatingPanel; // takes keys, not the front
-    panel.hidesOnDeactivate = NO; // we are hardly ever active
+    NSWindow *panel = nativeWindow(window);
+    panel.hidesOnDeactivate = NO; // it hides itself, which the toolkit then knows of
     panel.hasShadow = YES;
     panel.level = NSPopUpMenuWindowLevel;
     panel.collectionBehavior = NSWindowCollectionBehaviorMoveToActiveSpace
         | NSWindowCollectionBehaviorTransient | NSWindowCollectionBehaviorFullScreenAuxiliary;
-    OutsideClicks::closeOn(window);
+    new OutsideClicks(window, icon);
 }
 
-void activateApplication()
+void bringToFront(QWindow &window)
 {
-    if (@available(macOS 14, *))
-        [NSApp activate];
-    else
-        [NSApp activateIgnoringOtherApps:YES];
+    // Without the front a window gets no keys. The newer call only asks for it, and the system may
+    // say no.
+    [NSApp unhide:nil];
+    [NSApp activateIgnoringOtherApps:YES];
+    if (drawsNatively())
+        [nativeWindow(window) orderFrontRegardless];
+    window.requestActivate();
 }
 
 } // namespace tallyglass

@@ -1,19 +1,22 @@
-#include "platform/macos/MacKeychain.h"
+#include "platform/macos/MacPorts.h"
 
 #import <Foundation/Foundation.h>
 #import <Security/Security.h>
+#include <mutex>
 
 namespace tallyglass {
 
 namespace {
 
-bool isRefusal(OSStatus status)
+class MacKeychain final : public Keychain
 {
-    return status == errSecUserCanceled || status == errSecAuthFailed
-        || status == errSecInteractionNotAllowed;
-}
+public:
+    std::optional<QByteArray> genericPassword(const QString &service) const override;
 
-} // namespace
+private:
+    mutable std::mutex m_mutex; ///< one question at a time
+    mutable bool m_isRefused = false;
+};
 
 std::optional<QByteArray> MacKeychain::genericPassword(const QString &service) const
 {
@@ -30,10 +33,18 @@ std::optional<QByteArray> MacKeychain::genericPassword(const QString &service) c
     CFTypeRef answer = nullptr;
     const OSStatus status = SecItemCopyMatching((__bridge CFDictionaryRef)question, &answer);
     const id data = CFBridgingRelease(answer);
-    m_isRefused = isRefusal(status);
+    // Only the user's own no. A keychain that is locked, or that cannot ask just now, will open.
+    m_isRefused = status == errSecUserCanceled;
     if (status != errSecSuccess || ![data isKindOfClass:NSData.class])
         return std::nullopt;
     return QByteArray::fromNSData(data);
+}
+
+} // namespace
+
+std::unique_ptr<Keychain> makeMacKeychain()
+{
+    return std::make_unique<MacKeychain>();
 }
 
 } // namespace tallyglass

@@ -1,6 +1,5 @@
-#include "platform/macos/MacLoginItem.h"
-
 #include "model/DisplayTexts.h"
+#include "platform/macos/MacPorts.h"
 
 #import <ServiceManagement/ServiceManagement.h>
 
@@ -13,7 +12,13 @@ bool hasStatus(SMAppServiceStatus status)
     return SMAppService.mainAppService.status == status;
 }
 
-} // namespace
+class MacLoginItem final : public LoginItem
+{
+public:
+    bool isEnabled() const override;
+    std::optional<QString> pendingStep() const override;
+    std::optional<QString> setEnabled(bool enabled) override;
+};
 
 bool MacLoginItem::isEnabled() const
 {
@@ -40,6 +45,13 @@ std::optional<QString> MacLoginItem::setEnabled(bool enabled)
         return std::nullopt;
     }
     return isDone ? std::nullopt : std::optional{QString::fromNSString(error.localizedDescription)};
+}
+
+} // namespace
+
+std::unique_ptr<LoginItem> makeMacLoginItem()
+{
+    return std::make_unique<MacLoginItem>();
 }
 
 } // namespace tallyglass

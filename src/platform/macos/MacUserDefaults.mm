@@ -1,4 +1,8 @@
-#include "platform/macos/MacUserDefaults.h"
+#include "platform/macos/MacPorts.h"
+
+#include <QDir>
+
+#import <Foundation/Foundation.h>
 
 namespace tallyglass {
 
@@ -27,13 +31,22 @@ id toObject(const QVariant &value)
     }
 }
 
-} // namespace
-
-MacUserDefaults::MacUserDefaults(Kept kept)
-    : m_lasting(kept == Kept::Always ? NSUserDefaults.standardUserDefaults : nil)
-    , m_passing(kept == Kept::Always ? nil : [NSMutableDictionary dictionary])
+class MacUserDefaults final : public UserDefaults
 {
-}
+public:
+    explicit MacUserDefaults(bool lasts)
+        : m_lasting(lasts ? NSUserDefaults.standardUserDefaults : nil)
+        , m_passing(lasts ? nil : [NSMutableDictionary dictionary])
+    {
+    }
+
+    QVariant value(const QString &key) const override;
+    void setValue(const QString &key, const QVariant &value) override;
+
+private:
+    NSUserDefaults *m_lasting; ///< nil when nothing is to last
+    NSMutableDictionary<NSString *, id> *m_passing; ///< nil when everything is
+};
 
 QVariant MacUserDefaults::value(const QString &key) const
 {
@@ -46,6 +59,13 @@ void MacUserDefaults::setValue(const QString &key, const QVariant &value)
     NSString *name = key.toNSString();
     [m_lasting setObject:toObject(value) forKey:name];
     m_passing[name] = toObject(value);
+}
+
+} // namespace
+
+std::unique_ptr<UserDefaults> makeMacUserDefaults(const QString &homeFolder)
+{
+    return std::make_unique<MacUserDefaults>(homeFolder == QDir::homePath());
 }
 
 } // namespace tallyglass

@@ -1,4 +1,4 @@
-#include "platform/macos/SparkleUpdaterEngine.h"
+#include "platform/macos/MacPorts.h"
 
 #import <Sparkle/Sparkle.h>
 #include <functional>
@@ -55,12 +55,24 @@ NSString *const canCheck = @"canCheckForUpdates";
 
 namespace tallyglass {
 
-SparkleUpdaterEngine::SparkleUpdaterEngine() = default;
+namespace {
 
-SparkleUpdaterEngine::~SparkleUpdaterEngine()
+class SparkleUpdaterEngine final : public UpdaterEngine
 {
-    [m_canCheckObservation end];
-}
+public:
+    SparkleUpdaterEngine() = default;
+    SparkleUpdaterEngine(const SparkleUpdaterEngine &) = delete;
+    SparkleUpdaterEngine &operator=(const SparkleUpdaterEngine &) = delete;
+    ~SparkleUpdaterEngine() override { [m_canCheckObservation end]; }
+
+    void start() override;
+    bool canCheckForUpdates() const override;
+    void checkForUpdates() override;
+
+private:
+    SPUStandardUpdaterController *m_updaterController = nil; ///< until started
+    TGCanCheckObserver *m_canCheckObservation = nil;
+};
 
 void SparkleUpdaterEngine::start()
 {
@@ -80,6 +92,13 @@ bool SparkleUpdaterEngine::canCheckForUpdates() const
 void SparkleUpdaterEngine::checkForUpdates()
 {
     [m_updaterController.updater checkForUpdates];
+}
+
+} // namespace
+
+std::unique_ptr<UpdaterEngine> makeSparkleUpdaterEngine()
+{
+    return std::make_unique<SparkleUpdaterEngine>();
 }
 
 } // namespace tallyglass

@@ -1,6 +1,5 @@
-#include "platform/macos/StatusItem.h"
-
 #include "model/DisplayTexts.h"
+#include "platform/Desktop.h"
 #include "platform/macos/NativeWindows.h"
 
 #import <AppKit/AppKit.h>
@@ -12,20 +11,56 @@
 @interface TGStatusItemTarget : NSObject
 
 - (void)setClickHandler:(std::function<void()>)handler;
+- (void)setReopenHandler:(std::function<void()>)handler;
 - (NSMenuItem *)menuItemWithTitle:(NSString *)title handler:(std::function<void()>)handler;
 - (void)click:(id)sender;
 - (void)choose:(NSMenuItem *)sender;
+- (void)end;
 
 @end
 
 @implementation TGStatusItemTarget {
     std::function<void()> _clickHandler;
+    std::function<void()> _reopenHandler;
     std::vector<std::function<void()>> _menuHandlers; // the index of each is its item's tag
 }
 
 - (void)setClickHandler:(std::function<void()>)handler
 {
     _clickHandler = std::move(handler);
+}
+
+/// Called when the user starts the program once more, as from the Finder: the system sends that to
+/// the one that runs.
+- (void)setReopenHandler:(std::function<void()>)handler
+{
+    _reopenHandler = std::move(handler);
+    // Later than the system's own handler, which would take the place of this one.
+    [NSNotificationCenter.defaultCenter addObserver:self
+                                           selector:@selector(handleReopening:)
+                                               name:NSApplicationDidFinishLaunchingNotification
+                                             object:nil];
+}
+
+- (void)handleReopening:(NSNotification *)launched
+{
+    [NSAppleEventManager.sharedAppleEventManager setEventHandler:self
+                                                     andSelector:@selector(reopen:withReply:)
+                                                   forEventClass:kCoreEventClass
+                                                      andEventID:kAEReopenApplication];
+}
+
+- (void)reopen:(NSAppleEventDescriptor *)event withReply:(NSAppleEventDescriptor *)reply
+{
+    _reopenHandler();
+}
+
+- (void)end
+{
+    [NSNotificationCenter.defaultCenter removeObserver:self];
+    [NSAppleEventManager.sharedAppleEventManager
+        removeEventHandlerForEventClass:kCoreEventClass
+                             andEventID:kAEReopenApplication];
 }
 
 - (NSMenuItem *)menuItemWithTitle:(NSString *)title handler:(std::function<void()>)handler
@@ -74,13 +109,36 @@ NSImage *templateImage(const MenuBarIcon &icon)
     return image;
 }
 
+/// Whether a click is a right one or one with Control or Option held. From macOS 27 on no right
+/// clicks come, and the event at hand need not be the click, so the keys are looked at as well.
 bool asksForMenu(NSEvent *event)
 {
+    constexpr NSEventModifierFlags menuKeys =
+        NSEventModifierFlagControl | NSEventModifierFlagOption;
     return event.type == NSEventTypeRightMouseDown
-        || (event.modifierFlags & NSEventModifierFlagControl) != 0;
+        || ((event.modifierFlags | NSEvent.modifierFlags) & menuKeys) != 0;
 }
 
-} // namespace
+/// The item in the menu bar: a click for the panel, other clicks for the menu.
+class StatusItem final : public MenuBarItem
+{
+public:
+    explicit StatusItem(const MenuBarIcon &icon);
+    StatusItem(const StatusItem &) = delete;
+    StatusItem &operator=(const StatusItem &) = delete;
+    ~StatusItem() override;
+
+    bool isShown() const override { return m_item.visible; }
+    QRect area() const override;
+    void setToolTip(const QString &text) override { m_item.button.toolTip = text.toNSString(); }
+
+private:
+    void react();
+
+    NSStatusItem *m_item; ///< nil where nothing is drawn by the system
+    NSMenu *m_menu;
+    TGStatusItemTarget *m_target; ///< the item and the menu do not keep it
+};
 
 StatusItem::StatusItem(const MenuBarIcon &icon)
     : m_item(drawsNatively()
@@ -102,6 +160,7 @@ StatusItem::StatusItem(const MenuBarIcon &icon)
     add("common.exit", &MenuBarItem::quitChosen);
 
     [m_target setClickHandler:[this] { react(); }];
+    [m_target setReopenHandler:[this] { Q_EMIT openChosen(); }];
     NSStatusBarButton *button = m_item.button;
     button.image = templateImage(icon);
     button.target = m_target;
@@ -111,13 +170,9 @@ StatusItem::StatusItem(const MenuBarIcon &icon)
 
 StatusItem::~StatusItem()
 {
+    [m_target end];
     if (m_item)
         [NSStatusBar.systemStatusBar removeStatusItem:m_item];
-}
-
-bool StatusItem::isShown() const
-{
-    return m_item.visible;
 }
 
 QRect StatusItem::area() const
@@ -133,11 +188,6 @@ QRect StatusItem::area() const
         .toRect();
 }
 
-void StatusItem::setToolTip(const QString &text)
-{
-    m_item.button.toolTip = text.toNSString();
-}
-
 void StatusItem::react()
 {
     if (!asksForMenu(NSApp.currentEvent)) {
@@ -148,6 +198,13 @@ void StatusItem::react()
     m_item.menu = m_menu;
     [m_item.button performClick:nil];
     m_item.menu = nil;
+}
+
+} // namespace
+
+std::unique_ptr<MenuBarItem> makeMenuBarItem(const MenuBarIcon &icon)
+{
+    return std::make_unique<StatusItem>(icon);
 }
 
 } // namespace tallyglass

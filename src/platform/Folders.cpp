@@ -1,4 +1,4 @@
-#include "platform/PrivateFolder.h"
+#include "platform/Folders.h"
 
 #include <QFile>
 #include <QFileInfo>
