@@ -2,9 +2,10 @@
 // it is timed.
 
 #include "HomeGenerator.h"
-#include "collect/JsonReader.h"
+#include "collect/FieldAliases.h"
 #include "collect/RecordParser.h"
 #include "collect/TextScan.h"
+#include "json/JsonReader.h"
 #include "model/SnapshotBuilder.h"
 
 #include <QTemporaryDir>
@@ -197,7 +198,7 @@ public:
     }
 
 private:
-    JsonReader m_reader;
+    JsonReader m_reader{countingFields};
     std::vector<char> m_text;
 };
 

@@ -1,5 +1,6 @@
 #include "collect/CopilotLogReader.h"
 
+#include "collect/FieldAliases.h"
 #include "collect/FieldReaders.h"
 
 namespace tallyglass {
@@ -37,7 +38,7 @@ void CopilotLogReader::take(const JsonValue &record)
         || stringValue(record.find("type")) != "session.shutdown")
         return;
     const JsonValue *data = objectValue(record.find("data"));
-    const JsonValue *metrics = data ? objectValue(data->find("modelMetrics")) : nullptr;
+    const JsonValue *metrics = data ? objectValue(data->find(copilotMetricsKey.front())) : nullptr;
     if (!metrics)
         return;
 

@@ -1,10 +1,12 @@
 #include "collect/FieldReaders.h"
 
+#include "collect/FieldAliases.h"
 #include "model/IsoDateTime.h"
 #include "model/LocalTime.h"
 
 #include <QByteArrayView>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -76,19 +78,6 @@ std::optional<double> decimalNumber(std::string_view text)
     return ok && std::isfinite(value) ? std::optional{value} : std::nullopt;
 }
 
-std::optional<Instant> dateFrom(const JsonValue *value, const QTimeZone &zone)
-{
-    if (const auto number = decimalValue(value))
-        return *number > 0 ? std::optional{fromUnixNumber(*number)} : std::nullopt;
-    const auto text = stringValue(value);
-    if (!text)
-        return std::nullopt;
-    if (const auto instant = parseIsoDateTime(*text))
-        return instant;
-    const auto local = parseLocalDateTime(*text);
-    return local ? instantShowing(*local, zone) : std::nullopt;
-}
-
 } // namespace
 
 std::int64_t integerValue(const JsonValue *value)
@@ -134,14 +123,37 @@ const JsonValue *objectValue(const JsonValue *value)
     return value && value->kind() == JsonValue::Kind::Object ? value : nullptr;
 }
 
-std::optional<Instant> dateValue(const JsonValue &object, std::span<const FieldKey> keys,
+std::optional<Instant> dateValue(const JsonValue *value, const QTimeZone *zone)
+{
+    const auto text = stringValue(value);
+    if (!text || zone) {
+        if (const auto number = decimalValue(value))
+            return *number > 0 ? std::optional{fromUnixNumber(*number)} : std::nullopt;
+    }
+    if (!text)
+        return std::nullopt;
+    if (const auto instant = parseIsoDateTime(*text))
+        return instant;
+    const auto local = zone ? parseLocalDateTime(*text) : std::nullopt;
+    return local ? instantShowing(*local, *zone) : std::nullopt;
+}
+
+std::optional<Instant> firstDate(const JsonValue &object, std::span<const FieldKey> keys,
                                  const QTimeZone &zone)
 {
     for (const FieldKey key : keys) {
-        if (const auto date = dateFrom(object.find(key), zone))
+        if (const auto date = dateValue(object.find(key), &zone))
             return date;
     }
     return std::nullopt;
+}
+
+std::optional<double> usedShare(const JsonValue *value, double largest)
+{
+    const auto share = decimalValue(value);
+    if (!share)
+        return std::nullopt;
+    return std::clamp(*share < 1.0 ? *share : *share / 100, 0.0, largest);
 }
 
 std::optional<TokenUsage> tokenUsage(const JsonValue &object)
@@ -175,7 +187,7 @@ std::optional<TokenUsage> tokenUsage(const JsonValue &object)
 std::optional<Instant> timestamp(const JsonValue &object, const QTimeZone &zone)
 {
     static constexpr FieldSet timestampFields(timestampKeys);
-    return object.hasAnyOf(timestampFields) ? dateValue(object, timestampKeys, zone) : std::nullopt;
+    return object.hasAnyOf(timestampFields) ? firstDate(object, timestampKeys, zone) : std::nullopt;
 }
 
 } // namespace tallyglass

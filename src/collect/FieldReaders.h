@@ -1,6 +1,6 @@
 #pragma once
 
-#include "collect/JsonValue.h"
+#include "json/JsonValue.h"
 #include "model/Instant.h"
 #include "model/TokenUsage.h"
 
@@ -25,10 +25,17 @@ std::optional<std::string_view> stringValue(const JsonValue *value);
 /// The value itself, null when it is no object.
 const JsonValue *objectValue(const JsonValue *value);
 
-/// The first of \a keys that gives a date: a Unix time above 0, a date-time with its zone, or a
-/// reading of the clock in \a zone.
-std::optional<Instant> dateValue(const JsonValue &object, std::span<const FieldKey> keys,
+/// A date: a Unix time above 0, or a text with a date-time and its zone. With a \a zone also what
+/// logs write: a Unix time as a text, and a reading of the clock in that zone.
+std::optional<Instant> dateValue(const JsonValue *value, const QTimeZone *zone);
+
+/// The first of \a keys that gives a date as logs write it.
+std::optional<Instant> firstDate(const JsonValue &object, std::span<const FieldKey> keys,
                                  const QTimeZone &zone);
+
+/// A used share as a fraction from 0 to \a largest. All write percents, so 1 is one percent; only
+/// below 1 can a value be meant as a fraction.
+std::optional<double> usedShare(const JsonValue *value, double largest);
 
 /// The token counters of an object, the aliases of each added up; nothing when none counts.
 std::optional<TokenUsage> tokenUsage(const JsonValue &object);

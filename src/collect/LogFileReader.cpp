@@ -1,6 +1,7 @@
 #include "collect/LogFileReader.h"
 
 #include "collect/CopilotLogReader.h"
+#include "collect/FieldAliases.h"
 #include "collect/TextScan.h"
 
 #include <simdjson.h>
@@ -97,6 +98,7 @@ std::string_view trimmed(std::string_view line)
 
 LogFileReader::LogFileReader(const QTimeZone &zone)
     : m_zone(zone)
+    , m_json(countingFields)
     , m_buffer(bufferSize + padding)
 {
 }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "collect/JsonReader.h"
 #include "collect/LogFiles.h"
 #include "collect/NameTable.h"
 #include "collect/RecordParser.h"
+#include "json/JsonReader.h"
 
 #include <new>
 #include <vector>

@@ -1,5 +1,6 @@
 #include "collect/RateLimitReader.h"
 
+#include "collect/FieldAliases.h"
 #include "collect/FieldReaders.h"
 #include "model/UsageWindowKind.h"
 
@@ -10,15 +11,12 @@ namespace tallyglass {
 
 namespace {
 
-/// The used share as a fraction from 0 to 1. The tools write percents, so 1 is one percent; only
-/// below 1 can a value be meant as a fraction.
-std::optional<double> usedShare(const JsonValue &object)
+/// What a log reports is at most the whole of a limit.
+std::optional<double> reportedShare(const JsonValue &object)
 {
     for (const FieldKey key : usedShareKeys) {
-        if (const auto value = decimalValue(object.find(key))) {
-            const double share = *value < 1.0 ? *value : *value / 100;
-            return std::clamp(share, 0.0, 1.0);
-        }
+        if (const auto share = usedShare(object.find(key), 1.0))
+            return share;
     }
     return std::nullopt;
 }
@@ -97,10 +95,10 @@ private:
         if (!isRateLimit(object, m_zone))
             return false;
 
-        const auto share = usedShare(object);
+        const auto share = reportedShare(object);
         RateLimitUsage limit{
             .usedPercent = share.value_or(0),
-            .resetDate = dateValue(object, resetKeys, m_zone),
+            .resetDate = firstDate(object, resetKeys, m_zone),
             .windowMinutes = windowMinutes(object, memberName),
             .percentKnown = share.has_value(),
         };
@@ -119,19 +117,17 @@ private:
 
 bool isRateLimit(const JsonValue &object, const QTimeZone &zone)
 {
-    return usedShare(object) || statedWindowMinutes(object) || dateValue(object, resetKeys, zone);
+    return reportedShare(object) || statedWindowMinutes(object) || firstDate(object, resetKeys, zone);
 }
 
 std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone,
                                        NameTable &names)
 {
-    constexpr std::array<FieldKey, 2> containers{"rate_limits", "rate_limit_info"};
     std::vector<RateLimitUsage> found;
-    for (const FieldKey container : containers) {
+    for (const FieldKey container : limitContainerKeys) {
         if (const JsonValue *value = record.find(container)) {
             LimitSearch(zone, names, found)
-                .search(*value, fieldNames[container.index()],
-                        stringValue(record.find("plan_type")));
+                .search(*value, container.name(), stringValue(record.find("plan_type")));
         }
     }
     return found;

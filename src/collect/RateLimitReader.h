@@ -1,7 +1,7 @@
 #pragma once
 
-#include "collect/JsonValue.h"
 #include "collect/NameTable.h"
+#include "json/JsonValue.h"
 #include "model/RateLimitUsage.h"
 
 #include <vector>

@@ -1,5 +1,6 @@
 #include "collect/RecordParser.h"
 
+#include "collect/FieldAliases.h"
 #include "collect/FieldReaders.h"
 #include "collect/RateLimitReader.h"
 

@@ -1,6 +1,7 @@
 #include "collect/TextScan.h"
 
-#include "collect/LaneBits.h"
+#include "collect/UsageMarkers.h"
+#include "json/LaneBits.h"
 
 #include <algorithm>
 #include <array>
@@ -27,34 +28,18 @@ using Block = std::uint8_t __attribute__((vector_size(32)));
 constexpr std::size_t blocksPerStep = 4;
 constexpr std::size_t stepSize = blocksPerStep * sizeof(Block);
 
-/// The furthest lane that a test looks at, from the one where a marker begins.
-constexpr std::size_t lookAhead = 4;
-static_assert(stepSize + lookAhead <= scanPadding);
+/// The characters of a shape by which the lanes are chosen where it may begin: few enough to be
+/// fast, and enough to let through hardly anything else. The first two alone are ten times slower
+/// on source code, where "_t" and "_l" are everywhere; without the third, Japanese text written
+/// "\\u3042" would look like an escaped letter.
+constexpr std::array<std::size_t, 4> comparedOffsets{0, 2, 3, 4};
+static_assert(stepSize + comparedOffsets.back() <= scanPadding);
 
 [[gnu::always_inline]] inline Block load(const char *at)
 {
     Block block;
     std::memcpy(&block, at, sizeof block);
     return block;
-}
-
-/// Lanes at which a marker may begin. Three characters of each are compared, four of the escape:
-/// few enough to be fast, and enough to let through hardly anything else. Comparing the first two
-/// alone is ten times slower on source code, where "_t" and "_l" are everywhere, as is the escape
-/// without its first zero on Japanese text that is written "\\u3042".
-[[gnu::always_inline]] inline Block possibleMarkers(const char *at)
-{
-    const Block first = load(at);
-    const Block third = load(at + 2);
-    const Block fourth = load(at + 3);
-    const Block fifth = load(at + lookAhead);
-
-    const auto tokens = (fourth == 'k') & (fifth == 'e'); // of _tokens"
-    const auto limit = (fourth == 'm') & (fifth == 'i'); // of rate_limit, from the underscore on
-    const auto metrics = (first == 'M') & (fourth == 'r') & (fifth == 'i'); // Metrics"
-    const auto escape = // \u0061
-        (first == '\\') & (third == '0') & (fourth == '0') & ((fifth & 0xfc) == '4');
-    return Block(((first == '_') & (tokens | limit)) | metrics | escape);
 }
 
 [[gnu::always_inline]] inline bool anySet(const Block &block)
@@ -80,26 +65,63 @@ consteval std::uint64_t wordOf(std::string_view text)
     return word;
 }
 
+/// What is looked for: a marker, or an escaped character that a marker may be written with.
+struct Shape
+{
+    std::uint64_t word; ///< its first characters
+    std::uint64_t mask; ///< the bits of them that are compared
+    std::uint64_t before; ///< the four characters before it, 0 when they do not matter
+    std::uint64_t beforeMask;
+
+    constexpr std::uint8_t character(std::size_t at) const { return word >> 8 * at & 0xff; }
+    constexpr std::uint8_t characterMask(std::size_t at) const { return mask >> 8 * at & 0xff; }
+};
+
+constexpr auto shapes = [] {
+    const auto maskOf = [](std::string_view text) {
+        return text.empty() ? 0 : ~std::uint64_t{0} >> (64 - 8 * text.size());
+    };
+    std::array<Shape, usageMarkers.size() + 1> made{};
+    std::ranges::transform(usageMarkers, made.begin(), [&](const UsageMarker &marker) {
+        return Shape{.word = wordOf(marker.begin),
+                     .mask = maskOf(marker.begin),
+                     .before = wordOf(marker.before),
+                     .beforeMask = maskOf(marker.before)};
+    });
+    // A letter or an underscore: \u0041 to \u007a. "4" to "7" differ in two bits.
+    made.back() = {.word = wordOf("\\u004"), .mask = 0xfc'ffff'ffff, .before = 0, .beforeMask = 0};
+    return made;
+}();
+
+/// Lanes at which a shape may begin.
+[[gnu::always_inline]] inline Block possibleShapes(const char *at)
+{
+    Block possible{};
+    for (const Shape &shape : shapes) {
+        Block lanes = ~Block{};
+        for (const std::size_t offset : comparedOffsets)
+            lanes &= (load(at + offset) & shape.characterMask(offset)) == shape.character(offset);
+        possible |= lanes;
+    }
+    return possible;
+}
+
 /// In whole words: which of the shapes comes next, and how much of it, cannot be predicted.
 [[gnu::always_inline]] inline bool isMarker(const char *text, std::size_t at, std::size_t size)
 {
-    constexpr std::uint64_t tokens = wordOf("_tokens\"");
-    constexpr std::uint64_t metrics = wordOf("Metrics\"");
-    constexpr std::uint64_t rate = wordOf("rate");
-    constexpr std::uint64_t limit = wordOf("_limit");
-    constexpr std::uint64_t limitMask = 0xffff'ffff'ffff;
-    constexpr std::uint64_t escape = wordOf("\\u004");
-    constexpr std::uint64_t escapeMask = 0xfc'ffff'ffff; // "4" to "7" differ in two bits
-
     const std::uint64_t word = wordAt(text + at, size - at);
     const std::uint64_t before = at < 4 ? 0 : wordAt(text + at - 4, 4);
-    return (word == tokens) || (word == metrics) || ((word & escapeMask) == escape)
-        || (((word & limitMask) == limit) && (before == rate));
+    bool isOne = false;
+    for (const Shape &shape : shapes)
+        isOne |=
+            ((word & shape.mask) == shape.word) & ((before & shape.beforeMask) == shape.before);
+    return isOne;
 }
 
 using Step = std::array<Block, blocksPerStep>;
 
 /// The first marker that begins in a \a possible lane of the step \a from, \a size when none does.
+/// May also be one behind the text.
 [[gnu::always_inline]] inline std::size_t markerInStep(const Step &possible, const char *text,
                                                        std::size_t from, std::size_t size)
 {
@@ -108,7 +130,7 @@ using Step = std::array<Block, blocksPerStep>;
             laneBits(possible[block] != 0) | laneBits(possible[block + 1] != 0) << sizeof(Block);
         for (; lanes != 0; lanes &= lanes - 1) {
             const std::size_t at = from + static_cast<std::size_t>(std::countr_zero(lanes));
-            if (at < size && isMarker(text, at, size))
+            if (isMarker(text, at, size))
                 return at;
         }
         from += 2 * sizeof(Block);
@@ -122,7 +144,7 @@ std::size_t findPlainly(const char *text, std::size_t from, std::size_t size)
         Step possible{};
         Block any{};
         for (std::size_t block = 0; block < blocksPerStep; ++block) {
-            possible[block] = possibleMarkers(text + from + block * sizeof(Block));
+            possible[block] = possibleShapes(text + from + block * sizeof(Block));
             any |= possible[block];
         }
         if (anySet(any)) {
@@ -139,15 +161,17 @@ std::size_t findPlainly(const char *text, std::size_t from, std::size_t size)
 /// For each lower half of a character a bit for each shape that has it at one offset.
 using Table = std::array<std::uint8_t, 16>;
 
-/// The shapes as above, by what they have at \a offset.
+/// The shapes by what they have at \a offset.
 consteval Table shapesWith(std::size_t offset)
 {
-    constexpr std::array<std::string_view, 4> first{"_token", "_limit", "Metric", "\\u004"};
     Table table{};
-    for (std::size_t shape = 0; shape < first.size(); ++shape)
-        table[static_cast<std::uint8_t>(first[shape][offset]) & 0xf] |= 1 << shape;
-    for (const char digit : {'5', '6', '7'}) // further ends of the fourth
-        table[static_cast<std::uint8_t>(digit) & 0xf] |= offset == lookAhead ? 1 << 3 : 0;
+    for (std::size_t shape = 0; shape < shapes.size(); ++shape) {
+        for (unsigned character = 0; character < 256; ++character) {
+            if ((character & shapes[shape].characterMask(offset))
+                == shapes[shape].character(offset))
+                table[character & 0xf] |= 1 << shape;
+        }
+    }
     return table;
 }
 
@@ -175,17 +199,17 @@ inline Block lookUp(const Table &table, const char *at)
 /// blocks and is twice as fast: 9 -> 20 GB/s within the second-level cache.
 TG_WITH_TABLES std::size_t findByTables(const char *text, std::size_t from, std::size_t size)
 {
-    static constexpr Table firsts = shapesWith(0);
-    static constexpr Table thirds = shapesWith(2);
-    static constexpr Table fourths = shapesWith(3);
-    static constexpr Table fifths = shapesWith(lookAhead);
+    static constexpr std::array<Table, comparedOffsets.size()> tables{
+        shapesWith(comparedOffsets[0]), shapesWith(comparedOffsets[1]),
+        shapesWith(comparedOffsets[2]), shapesWith(comparedOffsets[3])};
     for (; from < size; from += stepSize) {
         Step possible{};
         Block any{};
         for (std::size_t block = 0; block < blocksPerStep; ++block) {
             const char *const at = text + from + block * sizeof(Block);
-            possible[block] = lookUp(firsts, at) & lookUp(thirds, at + 2) & lookUp(fourths, at + 3)
-                & lookUp(fifths, at + lookAhead);
+            possible[block] = lookUp(tables[0], at);
+            for (std::size_t i = 1; i < tables.size(); ++i)
+                possible[block] &= lookUp(tables[i], at + comparedOffsets[i]);
             any |= possible[block];
         }
         if (anySet(any)) {

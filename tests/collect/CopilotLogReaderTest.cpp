@@ -1,6 +1,7 @@
 #include "collect/CopilotLogReader.h"
 
-#include "collect/JsonReader.h"
+#include "collect/FieldAliases.h"
+#include "json/JsonReader.h"
 #include "support/Table.h"
 #include "support/Texts.h"
 
@@ -86,7 +87,7 @@ private Q_SLOTS:
                                .zone = zone,
                                .names = names};
         CopilotLogReader reader(origin);
-        JsonReader parser;
+        JsonReader parser(countingFields);
         for (const QByteArray &line : row.lines) {
             QByteArray text = line + QByteArray(JsonReader::padding, '\0');
             reader.take(*parser.parse({text.data(), static_cast<std::size_t>(line.size())}));

@@ -1,6 +1,7 @@
 #include "collect/RecordParser.h"
 
-#include "collect/JsonReader.h"
+#include "collect/FieldAliases.h"
+#include "json/JsonReader.h"
 #include "support/Table.h"
 #include "support/Texts.h"
 
@@ -14,7 +15,7 @@ namespace {
 QString walk(const QByteArray &json, UsageProvider provider = UsageProvider::Claude,
              const QTimeZone &zone = QTimeZone("Asia/Tokyo"))
 {
-    JsonReader reader;
+    JsonReader reader(countingFields);
     QByteArray text = json + QByteArray(JsonReader::padding, '\0');
     const auto *record = reader.parse({text.data(), static_cast<std::size_t>(json.size())});
     if (!record)

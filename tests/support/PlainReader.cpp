@@ -1,7 +1,8 @@
 #include "support/PlainReader.h"
 
 #include "collect/CopilotLogReader.h"
-#include "collect/JsonReader.h"
+#include "collect/FieldAliases.h"
+#include "json/JsonReader.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -15,7 +16,7 @@ namespace {
 template<typename Take>
 void parse(const QByteArray &json, Take take)
 {
-    JsonReader reader;
+    JsonReader reader(countingFields);
     QByteArray text = json + QByteArray(JsonReader::padding, '\0');
     if (const auto *value = reader.parse({text.data(), static_cast<std::size_t>(json.size())}))
         take(*value);

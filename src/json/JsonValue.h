@@ -1,9 +1,11 @@
 #pragma once
 
-#include "collect/FieldAliases.h"
+#include "json/FieldNames.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <string_view>
 #include <unordered_map>
 
@@ -11,9 +13,9 @@ namespace tallyglass {
 
 /// One value of a parsed text, as far as the readers need it.
 ///
-/// Only an object or array that holds one of countingFields, in itself or further in, has contents:
-/// an object's members of known names and those that again have contents, together with what may
-/// replace these; an array's elements that have contents.
+/// Only an object or array that holds one of the fields that the reader wants, in itself or further
+/// in, has contents: an object's members of known names and those that again have contents,
+/// together with what may replace these; an array's elements that have contents.
 ///
 /// A value and what lies in it stand in a row, each before what it holds.
 class JsonValue
@@ -86,16 +88,33 @@ public:
 
 private:
     friend class JsonParser;
+    friend class JsonValues;
 
     static_assert(fieldNames.size() <= FieldKey::none && FieldKey::none < 64);
 
     const JsonValue *behind() const { return this + 1 + (isContainer() ? size() : 0); }
 
-    void setName(std::string_view name, std::size_t field)
+    void setInteger(std::int64_t integer)
     {
-        m_name = name.data();
-        m_nameLengthAndField = static_cast<std::uint32_t>(name.size() << 6 | field);
+        m_integer = integer;
+        set(Kind::Integer);
     }
+    void setDecimal(double decimal)
+    {
+        m_decimal = decimal;
+        set(Kind::Decimal);
+    }
+    void setString(std::string_view text)
+    {
+        m_text = text.data();
+        set(Kind::String, text.size());
+    }
+    void setObject(std::uint64_t fields, std::size_t size)
+    {
+        m_fields = fields;
+        set(Kind::Object, size);
+    }
+    void setArray(std::size_t size) { set(Kind::Array, size); }
     void set(Kind kind, std::size_t size = 0)
     {
         m_sizeAndKind = static_cast<std::uint32_t>(size << 3 | static_cast<std::size_t>(kind));
@@ -110,6 +129,41 @@ private:
     };
     std::uint32_t m_nameLengthAndField;
     std::uint32_t m_sizeAndKind;
+};
+
+/// Values in a row. What was cut off stays in memory, to be written over.
+class JsonValues
+{
+public:
+    JsonValue &operator[](std::size_t index) { return m_values.get()[index]; }
+    std::size_t size() const { return m_size; }
+
+    /// Appends a value that is nothing yet, and gives its index.
+    std::size_t append(std::string_view name, std::size_t field)
+    {
+        if (m_size == m_capacity)
+            grow();
+        JsonValue &value = m_values.get()[m_size];
+        value.m_name = name.data();
+        value.m_nameLengthAndField = static_cast<std::uint32_t>(name.size() << 6 | field);
+        value.set(JsonValue::Kind::Other);
+        return m_size++;
+    }
+
+    void cutTo(std::size_t size) { m_size = size; }
+
+private:
+    void grow();
+
+    struct Free
+    {
+        void operator()(JsonValue *values) const { std::free(values); }
+    };
+
+    // Not a vector: large memory grows where it is, without a second one to copy from.
+    std::unique_ptr<JsonValue, Free> m_values;
+    std::size_t m_size = 0;
+    std::size_t m_capacity = 0;
 };
 
 /// Calls \a visit(member) for each member that is an object or an array, in their order. Of members

@@ -1,4 +1,6 @@
-#include "collect/JsonReader.h"
+#include "json/JsonReader.h"
+
+#include "collect/FieldAliases.h"
 
 #include <QTest>
 #include <simdjson.h>
@@ -16,7 +18,8 @@ class JsonReaderTest : public QObject
     {
         // What follows the text must not be taken for a part of it.
         QByteArray text = json + "\"}]:,0" + QByteArray(JsonReader::padding, '}');
-        return JsonReader().parse({text.data(), static_cast<std::size_t>(json.size())});
+        return JsonReader(countingFields)
+            .parse({text.data(), static_cast<std::size_t>(json.size())});
     }
 
     static bool isReadByTheLibrary(const QByteArray &json)
