@@ -117,7 +117,8 @@ private:
 
 bool isRateLimit(const JsonValue &object, const QTimeZone &zone)
 {
-    return reportedShare(object) || statedWindowMinutes(object) || firstDate(object, resetKeys, zone);
+    return reportedShare(object) || statedWindowMinutes(object)
+        || firstDate(object, resetKeys, zone);
 }
 
 std::vector<RateLimitUsage> rateLimits(const JsonValue &record, const QTimeZone &zone,

@@ -276,6 +276,8 @@ private:
             value.setString(text);
             return at;
         }
+        if (*at == 'n')
+            value.set(JsonValue::Kind::Null);
         return isDigit(*at) || *at == '-' ? parseNumber(at, value) : skipLiteral(at);
     }
 

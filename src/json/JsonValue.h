@@ -22,7 +22,8 @@ class JsonValue
 {
 public:
     enum class Kind : std::uint8_t {
-        Other, ///< true, false, null, or a value that no reader asks for
+        Other, ///< true, false, or a value that no reader asks for
+        Null,
         Integer, ///< a number without fraction and exponent; 0 when it exceeds 64 bits
         Decimal, ///< any other number; finite
         String,

@@ -1,14 +1,23 @@
 #include "services/ClaudeCredentials.h"
 
-#include "services/JsonNumbers.h"
 #include "store/JsonFile.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <cmath>
+
 namespace tallyglass {
 
 namespace {
+
+/// A number, or a text that reads as one; finite.
+std::optional<double> numberFrom(const QJsonValue &value)
+{
+    bool ok = value.isDouble();
+    const double number = ok ? value.toDouble() : value.toString().toDouble(&ok);
+    return ok && std::isfinite(number) ? std::optional{number} : std::nullopt;
+}
 
 /// Nothing when the document holds no token.
 std::optional<ClaudeCredentials> credentials(const QJsonDocument &document, Instant now)

@@ -1,17 +1,14 @@
 #include "services/ClaudeUsageAPI.h"
 
-#include "model/IsoDateTime.h"
+#include "collect/FieldReaders.h"
+#include "json/JsonReader.h"
 #include "model/UsageWindowKind.h"
 #include "services/ClaudeCredentials.h"
-#include "services/JsonNumbers.h"
 
 #include <QCoroFuture>
 #include <QHostAddress>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QtConcurrentRun>
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -25,39 +22,27 @@ constexpr auto minInterval = 60s;
 constexpr auto pauseAfterTooManyRequests = 300s;
 
 /// The first of two members that is there; null counts as absent.
-QJsonValue either(const QJsonObject &object, QLatin1String key, QLatin1String alternative)
+const JsonValue *either(const JsonValue &object, FieldKey key, FieldKey alternative)
 {
-    const QJsonValue value = object.value(key);
-    return value.isUndefined() || value.isNull() ? object.value(alternative) : value;
+    const JsonValue *value = object.find(key);
+    return value && value->kind() != JsonValue::Kind::Null ? value : object.find(alternative);
 }
 
-/// The share as a fraction. The endpoint writes percents, so 1 is one percent; ten times the limit
-/// is as much as is shown.
-double usedFraction(double value)
-{
-    return std::clamp(value >= 1.0 ? value / 100 : value, 0.0, 10.0);
-}
-
-std::optional<Instant> dateFrom(const QJsonValue &value)
-{
-    if (value.isString())
-        return parseIsoDateTime(value.toString().toStdString());
-    const double number = value.toDouble();
-    return number > 0 ? std::optional{fromUnixNumber(number)} : std::nullopt;
-}
-
-std::optional<RateLimitUsage> limitFrom(const QJsonValue &window,
+std::optional<RateLimitUsage> limitFrom(const JsonValue *window,
                                         std::optional<std::int64_t> minutes)
 {
-    const QJsonObject object = window.toObject();
-    const auto share =
-        numberFrom(either(object, QLatin1String("utilization"), QLatin1String("used_percent")));
+    const JsonValue *object = objectValue(window);
+    if (!object)
+        return std::nullopt;
+    // Other than a log the endpoint tells how far beyond the limit a share is, and writes every
+    // date with its zone.
+    constexpr double largestShare = 10.0;
+    const auto share = usedShare(either(*object, "utilization", "used_percent"), largestShare);
     if (!share)
         return std::nullopt;
     return RateLimitUsage{
-        .usedPercent = usedFraction(*share),
-        .resetDate =
-            dateFrom(either(object, QLatin1String("resets_at"), QLatin1String("resetsAt"))),
+        .usedPercent = *share,
+        .resetDate = dateValue(either(*object, "resets_at", "resetsAt"), nullptr),
         .windowMinutes = minutes,
         .percentKnown = true,
     };
@@ -142,18 +127,21 @@ std::optional<std::vector<RateLimitUsage>> limitsFromAnswer(const QByteArray &bo
 {
     struct Window
     {
-        const char *member;
+        FieldKey member;
         UsageWindowKind kind;
     };
     constexpr std::array windows{Window{"five_hour", UsageWindowKind::FiveHours},
                                  Window{"seven_day", UsageWindowKind::Week}};
 
-    const QJsonDocument document = QJsonDocument::fromJson(body);
-    if (!document.isObject())
+    constexpr std::array<FieldKey, 2> shareKeys{"utilization", "used_percent"};
+    JsonReader reader{FieldSet(shareKeys)};
+    const JsonValue *answer =
+        objectValue(reader.parseCopy({body.constData(), static_cast<std::size_t>(body.size())}));
+    if (!answer)
         return std::nullopt;
     std::vector<RateLimitUsage> limits;
     for (const Window &window : windows) {
-        const QJsonValue member = document.object().value(QLatin1String(window.member));
+        const JsonValue *member = answer->find(window.member);
         if (auto limit = limitFrom(member, factsOf(window.kind).limitMinutes))
             limits.push_back(std::move(*limit));
     }
