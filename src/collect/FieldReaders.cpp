@@ -128,7 +128,7 @@ std::optional<Instant> dateValue(const JsonValue *value, const QTimeZone *zone)
     const auto text = stringValue(value);
     if (!text || zone) {
         if (const auto number = decimalValue(value))
-            return *number > 0 ? std::optional{fromUnixNumber(*number)} : std::nullopt;
+            return fromUnixNumber(*number);
     }
     if (!text)
         return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include "collect/LogFileReader.h"
 #include "collect/LogFiles.h"
+#include "model/FatalFault.h"
 
 #include <QFile>
 
@@ -41,11 +42,13 @@ void collectEvents(const QString &home, Instant cutoff, const QTimeZone &zone,
         std::vector<UsageEvent> events;
         for (std::size_t i = next++; i < order.size(); i = next++) {
             const LogFile &file = files[order[i]];
+            fileAtWork = &file.path;
             events.clear();
             reader.readLogFile(file, events);
             sink(order[i], events);
             progress.bytesRead += file.size;
         }
+        fileAtWork = nullptr;
     };
 
     std::vector<std::thread> workers;

@@ -1,6 +1,7 @@
 #include "model/IsoDateTime.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace tallyglass {
 
@@ -8,155 +9,115 @@ using namespace std::chrono;
 
 namespace {
 
-/// Reads fixed-width fields from the front of a text; once one fails, all later ones do.
-class FieldScanner
+bool isDigit(char character)
 {
-public:
-    explicit FieldScanner(std::string_view text)
-        : m_rest(text)
-    {
-    }
-
-    bool ok() const { return m_ok; }
-    bool atEnd() const { return m_rest.empty(); }
-    bool nextIs(char character) const { return !m_rest.empty() && m_rest.front() == character; }
-
-    void literal(char character)
-    {
-        m_ok = m_ok && nextIs(character);
-        if (m_ok)
-            m_rest.remove_prefix(1);
-    }
-
-    int number(std::size_t digits)
-    {
-        m_ok = m_ok && m_rest.size() >= digits;
-        int value = 0;
-        for (std::size_t i = 0; m_ok && i < digits; ++i)
-            value = value * 10 + digit();
-        return value;
-    }
-
-    /// The digits of a decimal fraction of a second, at least one; beyond milliseconds dropped.
-    milliseconds fraction()
-    {
-        int value = 0;
-        std::size_t count = 0;
-        for (; m_ok && (count == 0 || (!m_rest.empty() && isDigit(m_rest.front()))); ++count) {
-            const int next = m_rest.empty() ? fail() : digit();
-            if (count < 3)
-                value = value * 10 + next;
-        }
-        for (; count < 3; ++count)
-            value *= 10;
-        return milliseconds{value};
-    }
-
-private:
-    static bool isDigit(char character) { return character >= '0' && character <= '9'; }
-
-    int fail()
-    {
-        m_ok = false;
-        return 0;
-    }
-
-    int digit()
-    {
-        const char character = m_rest.front();
-        if (!isDigit(character))
-            return fail();
-        m_rest.remove_prefix(1);
-        return character - '0';
-    }
-
-    std::string_view m_rest;
-    bool m_ok = true;
-};
-
-std::optional<local_days> scanDate(FieldScanner &scanner)
-{
-    const int yearNumber = scanner.number(4);
-    scanner.literal('-');
-    const int monthNumber = scanner.number(2);
-    scanner.literal('-');
-    const int dayNumber = scanner.number(2);
-    const year_month_day date{year{yearNumber}, month{static_cast<unsigned>(monthNumber)},
-                              day{static_cast<unsigned>(dayNumber)}};
-    if (!scanner.ok() || yearNumber < 1 || !date.ok())
-        return std::nullopt;
-    return local_days{date};
+    return character >= '0' && character <= '9';
 }
 
-std::optional<seconds> scanTime(FieldScanner &scanner)
+/// Whether a text begins like a pattern, in which "0" stands for any digit.
+bool beginsLike(std::string_view text, std::string_view pattern)
 {
-    const int hour = scanner.number(2);
-    scanner.literal(':');
-    const int minute = scanner.number(2);
-    scanner.literal(':');
-    const int second = scanner.number(2);
-    if (!scanner.ok() || hour > 23 || minute > 59 || second > 59)
-        return std::nullopt;
-    return hours{hour} + minutes{minute} + seconds{second};
+    return text.size() >= pattern.size()
+        && std::ranges::equal(
+               pattern, text.substr(0, pattern.size()), [](char expected, char character) {
+                   return expected == '0' ? isDigit(character) : character == expected;
+               });
 }
 
-/// "Z" or "+09:00", the end of the text.
-std::optional<minutes> scanZoneOffset(FieldScanner &scanner)
+/// The number that digits known to be there make.
+int number(std::string_view text, std::size_t from, std::size_t digits)
 {
-    if (scanner.nextIs('Z')) {
-        scanner.literal('Z');
-        return scanner.atEnd() ? std::optional{minutes{0}} : std::nullopt;
-    }
-    const bool isWest = scanner.nextIs('-');
-    scanner.literal(isWest ? '-' : '+');
-    const int hour = scanner.number(2);
-    scanner.literal(':');
-    const int minute = scanner.number(2);
-    if (!scanner.ok() || !scanner.atEnd() || hour > 23 || minute > 59)
+    int value = 0;
+    std::from_chars(text.data() + from, text.data() + from + digits, value);
+    return value;
+}
+
+/// The date at the front of a text.
+std::optional<LocalTime> dateAt(std::string_view text)
+{
+    if (!beginsLike(text, "0000-00-00"))
         return std::nullopt;
-    const minutes offset = hours{hour} + minutes{minute};
-    return isWest ? -offset : offset;
+    const year_month_day date{year{number(text, 0, 4)},
+                              month{static_cast<unsigned>(number(text, 5, 2))},
+                              day{static_cast<unsigned>(number(text, 8, 2))}};
+    return date.ok() ? std::optional{LocalTime{local_days{date}}} : std::nullopt;
+}
+
+constexpr std::size_t dateLength = 10;
+constexpr std::size_t dateTimeLength = 19;
+
+/// Date and time at the front of a text.
+std::optional<LocalTime> dateTimeAt(std::string_view text, char separator)
+{
+    const auto date = dateAt(text);
+    if (!date || text.size() < dateTimeLength || text[dateLength] != separator
+        || !beginsLike(text.substr(dateLength + 1), "00:00:00"))
+        return std::nullopt;
+    const int hour = number(text, 11, 2);
+    const int minute = number(text, 14, 2);
+    const int second = number(text, 17, 2);
+    if (hour > 23 || minute > 59 || second > 59)
+        return std::nullopt;
+    return *date + hours{hour} + minutes{minute} + seconds{second};
+}
+
+/// Cuts a fraction of a second off the front of a text; digits beyond milliseconds are dropped.
+/// Nothing when there is a point without a digit behind it.
+std::optional<milliseconds> takeFraction(std::string_view &text)
+{
+    if (!text.starts_with('.'))
+        return milliseconds{0};
+    text.remove_prefix(1);
+    int value = 0;
+    int unit = 100;
+    const std::size_t before = text.size();
+    for (; !text.empty() && isDigit(text.front()); text.remove_prefix(1), unit /= 10)
+        value += unit * (text.front() - '0');
+    return text.size() < before ? std::optional{milliseconds{value}} : std::nullopt;
+}
+
+/// "Z" or "+09:00", the whole text.
+std::optional<minutes> zoneOffset(std::string_view text)
+{
+    if (text == "Z")
+        return minutes{0};
+    if (text.size() != 6 || (!beginsLike(text, "+00:00") && !beginsLike(text, "-00:00")))
+        return std::nullopt;
+    const int hour = number(text, 1, 2);
+    const int minute = number(text, 4, 2);
+    if (hour > 23 || minute > 59)
+        return std::nullopt;
+    return (text.front() == '-' ? -1 : 1) * (hours{hour} + minutes{minute});
 }
 
 } // namespace
 
 std::optional<Instant> parseIsoDateTime(std::string_view text)
 {
-    FieldScanner scanner(text);
-    const auto date = scanDate(scanner);
-    scanner.literal('T');
-    const auto time = scanTime(scanner);
-    milliseconds fraction{0};
-    if (scanner.nextIs('.')) {
-        scanner.literal('.');
-        fraction = scanner.fraction();
-    }
-    const auto offset = scanZoneOffset(scanner);
-    if (!scanner.ok() || !date || !time || !offset)
+    const auto local = dateTimeAt(text, 'T');
+    if (!local)
         return std::nullopt;
-    return std::min(Instant{date->time_since_epoch() + *time + fraction - *offset}, latestInstant);
+    text.remove_prefix(dateTimeLength);
+    const auto fraction = takeFraction(text);
+    const auto offset = zoneOffset(text);
+    if (!fraction || !offset)
+        return std::nullopt;
+    return withinYears(Instant{local->time_since_epoch() + *fraction - *offset});
 }
 
 std::optional<LocalTime> parseLocalDateTime(std::string_view text)
 {
-    FieldScanner scanner(text);
-    const auto date = scanDate(scanner);
-    if (!date)
-        return std::nullopt;
-    if (scanner.atEnd())
-        return LocalTime{*date};
-    scanner.literal(' ');
-    const auto time = scanTime(scanner);
-    if (!scanner.ok() || !time || !scanner.atEnd())
-        return std::nullopt;
-    return LocalTime{*date} + *time;
+    if (text.size() == dateLength)
+        return dateAt(text);
+    return text.size() == dateTimeLength ? dateTimeAt(text, ' ') : std::nullopt;
 }
 
 QString formatIsoDateTime(Instant instant)
 {
-    const auto dayStart = floor<days>(instant);
+    const Instant writable = std::clamp(instant, earliestInstant, latestInstant);
+    const auto dayStart = floor<days>(writable);
     const year_month_day date{dayStart};
-    const hh_mm_ss time{floor<seconds>(instant - dayStart)};
+    const hh_mm_ss time{floor<seconds>(writable - dayStart)};
     return QString::asprintf("%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
                              static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                              static_cast<int>(time.hours().count()),

@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <QTimeZone>
 
-#include <vector>
+#include <algorithm>
 
 namespace tallyglass {
 
@@ -13,12 +13,7 @@ namespace {
 
 QDateTime toDateTime(Instant instant)
 {
-    return QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count(), Qt::UTC);
-}
-
-Instant toInstant(const QDateTime &dateTime)
-{
-    return Instant{milliseconds{dateTime.toMSecsSinceEpoch()}};
+    return QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count(), QTimeZone::utc());
 }
 
 seconds offsetAt(Instant instant, const QTimeZone &zone)
@@ -26,37 +21,9 @@ seconds offsetAt(Instant instant, const QTimeZone &zone)
     return seconds{zone.offsetFromUtc(toDateTime(instant))};
 }
 
-LocalTime shifted(Instant instant, seconds offset)
-{
-    return LocalTime{instant.time_since_epoch() + offset};
-}
-
 Instant unshifted(LocalTime time, seconds offset)
 {
     return Instant{time.time_since_epoch() - offset};
-}
-
-/// A stretch of time with one offset from UTC.
-struct OffsetSpan
-{
-    Instant start;
-    Instant end;
-    seconds offset;
-};
-
-/// The spans in which a clock can show \a time, in order. Offsets stay within 16 hours.
-std::vector<OffsetSpan> offsetSpansAround(LocalTime time, const QTimeZone &zone)
-{
-    const Instant earliest = unshifted(time, 16h);
-    const Instant latest = unshifted(time, -16h);
-    std::vector<OffsetSpan> spans{
-        {.start = earliest, .end = latest, .offset = offsetAt(earliest, zone)}};
-    for (const auto &change : zone.transitions(toDateTime(earliest), toDateTime(latest))) {
-        const Instant at = toInstant(change.atUtc);
-        spans.back().end = at;
-        spans.push_back({.start = at, .end = latest, .offset = seconds{change.offsetFromUtc}});
-    }
-    return spans;
 }
 
 /// The first instant at which the clock showed \a time or had gone past it.
@@ -68,28 +35,32 @@ struct Reached
 
 Reached reach(LocalTime time, const QTimeZone &zone)
 {
-    const auto spans = offsetSpansAround(time, zone);
-    for (const OffsetSpan &span : spans) {
-        const Instant candidate = unshifted(time, span.offset);
-        if (candidate < span.start)
-            return {.instant = span.start};
-        if (candidate < span.end)
-            return {.instant = candidate, .isShown = true};
+    // Offsets stay within 16 hours. The clock has this one from here to the next change.
+    Instant start = unshifted(time, 16h);
+    const Instant end = unshifted(time, -16h);
+    seconds offset = offsetAt(start, zone);
+    for (const auto &change : zone.transitions(toDateTime(start), toDateTime(end))) {
+        const Instant next{milliseconds{change.atUtc.toMSecsSinceEpoch()}};
+        if (unshifted(time, offset) < next)
+            break;
+        start = next;
+        offset = seconds{change.offsetFromUtc};
     }
-    return {.instant = spans.back().end};
+    const Instant candidate = unshifted(time, offset);
+    return {.instant = std::max(candidate, start), .isShown = start <= candidate};
 }
 
 } // namespace
 
 LocalTime toLocalTime(Instant instant, const QTimeZone &zone)
 {
-    return shifted(instant, offsetAt(instant, zone));
+    return LocalTime{instant.time_since_epoch() + offsetAt(instant, zone)};
 }
 
 std::optional<Instant> instantShowing(LocalTime time, const QTimeZone &zone)
 {
     const Reached reached = reach(time, zone);
-    return reached.isShown ? std::optional{reached.instant} : std::nullopt;
+    return reached.isShown ? withinYears(reached.instant) : std::nullopt;
 }
 
 Instant firstInstantFrom(LocalTime time, const QTimeZone &zone)

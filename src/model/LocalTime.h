@@ -14,7 +14,7 @@ using LocalTime = std::chrono::local_time<std::chrono::milliseconds>;
 LocalTime toLocalTime(Instant instant, const QTimeZone &zone);
 
 /// When a clock in \a zone showed \a time: the first time, where a clock change repeats it; nothing
-/// where one skips it.
+/// where one skips it, and outside the years 1 to 9999 in UTC.
 std::optional<Instant> instantShowing(LocalTime time, const QTimeZone &zone);
 
 /// The first instant at which a clock in \a zone showed \a time, or had jumped over it.

@@ -2,301 +2,239 @@
 
 #include "model/IsoDateTime.h"
 
+#include <algorithm>
+#include <limits>
+#include <tuple>
+#include <utility>
+
 namespace tallyglass {
 
 namespace {
 
-template<typename Value>
-void insertIfPresent(QJsonObject &json, QLatin1String key, const std::optional<Value> &value)
-{
-    if (value)
-        json.insert(key, QJsonValue(*value));
-}
-
-QJsonObject toJson(const TokenUsage &usage)
-{
-    QJsonObject json{
-        {QLatin1String("inputTokens"), QJsonValue(qint64{usage.inputTokens})},
-        {QLatin1String("outputTokens"), QJsonValue(qint64{usage.outputTokens})},
-        {QLatin1String("cacheCreationTokens"), QJsonValue(qint64{usage.cacheCreationTokens})},
-        {QLatin1String("cacheReadTokens"), QJsonValue(qint64{usage.cacheReadTokens})},
-    };
-    insertIfPresent<qint64>(json, QLatin1String("explicitTotalTokens"), usage.explicitTotalTokens);
-    return json;
-}
-
-QJsonObject toJson(const ModelUsageSummary &summary)
-{
-    return {
-        {QLatin1String("model"), summary.model},
-        {QLatin1String("tokens"), toJson(summary.tokens)},
-        {QLatin1String("eventCount"), QJsonValue(qint64{summary.eventCount})},
-    };
-}
-
-QJsonObject toJson(const RateLimitUsage &limit)
-{
-    QJsonObject json{{QLatin1String("usedPercent"), limit.usedPercent}};
-    if (limit.resetDate)
-        json.insert(QLatin1String("resetDate"), formatIsoDateTime(*limit.resetDate));
-    insertIfPresent<qint64>(json, QLatin1String("windowMinutes"), limit.windowMinutes);
-    insertIfPresent(json, QLatin1String("planType"), limit.planType);
-    insertIfPresent(json, QLatin1String("percentKnown"), limit.percentKnown);
-    return json;
-}
-
-QJsonObject toJson(const ProviderUsageSummary &summary);
-QJsonObject toJson(const WindowUsageSummary &summary);
-QJsonObject toJson(const UsageHistorySample &sample);
-
+/// The keys of a record and the fields that they stand for.
 template<typename Record>
-QJsonArray toJsonArray(const std::vector<Record> &records)
+constexpr int fieldsOf = 0;
+
+template<>
+constexpr auto fieldsOf<TokenUsage> =
+    std::tuple(std::pair("inputTokens", &TokenUsage::inputTokens),
+               std::pair("outputTokens", &TokenUsage::outputTokens),
+               std::pair("cacheCreationTokens", &TokenUsage::cacheCreationTokens),
+               std::pair("cacheReadTokens", &TokenUsage::cacheReadTokens),
+               std::pair("explicitTotalTokens", &TokenUsage::explicitTotalTokens));
+
+template<>
+constexpr auto fieldsOf<ModelUsageSummary> =
+    std::tuple(std::pair("model", &ModelUsageSummary::model),
+               std::pair("tokens", &ModelUsageSummary::tokens),
+               std::pair("eventCount", &ModelUsageSummary::eventCount));
+
+template<>
+constexpr auto fieldsOf<RateLimitUsage> =
+    std::tuple(std::pair("usedPercent", &RateLimitUsage::usedPercent),
+               std::pair("resetDate", &RateLimitUsage::resetDate),
+               std::pair("windowMinutes", &RateLimitUsage::windowMinutes),
+               std::pair("planType", &RateLimitUsage::planType),
+               std::pair("percentKnown", &RateLimitUsage::percentKnown));
+
+template<>
+constexpr auto fieldsOf<ProviderUsageSummary> =
+    std::tuple(std::pair("provider", &ProviderUsageSummary::provider),
+               std::pair("tokens", &ProviderUsageSummary::tokens),
+               std::pair("eventCount", &ProviderUsageSummary::eventCount),
+               std::pair("budgetTokens", &ProviderUsageSummary::budgetTokens),
+               std::pair("models", &ProviderUsageSummary::models),
+               std::pair("rateLimit", &ProviderUsageSummary::rateLimit));
+
+template<>
+constexpr auto fieldsOf<WindowUsageSummary> =
+    std::tuple(std::pair("window", &WindowUsageSummary::window),
+               std::pair("startDate", &WindowUsageSummary::startDate),
+               std::pair("endDate", &WindowUsageSummary::endDate),
+               std::pair("providers", &WindowUsageSummary::providers));
+
+template<>
+constexpr auto fieldsOf<UsageSnapshot> =
+    std::tuple(std::pair("generatedAt", &UsageSnapshot::generatedAt),
+               std::pair("summaries", &UsageSnapshot::summaries));
+
+template<>
+constexpr auto fieldsOf<UsageHistorySample> =
+    std::tuple(std::pair("id", &UsageHistorySample::id),
+               std::pair("date", &UsageHistorySample::date),
+               std::pair("provider", &UsageHistorySample::provider),
+               std::pair("fiveHourPercent", &UsageHistorySample::fiveHourPercent),
+               std::pair("weekPercent", &UsageHistorySample::weekPercent),
+               std::pair("totalTokens", &UsageHistorySample::totalTokens));
+
+/// Every kind of field there and back. decode() gives false for what encode() would not have
+/// written.
+struct Coder
 {
-    QJsonArray array;
-    for (const Record &record : records)
-        array.append(toJson(record));
-    return array;
-}
-
-QJsonObject toJson(const ProviderUsageSummary &summary)
-{
-    QJsonObject json{
-        {QLatin1String("provider"), QString(rawValue(summary.provider))},
-        {QLatin1String("tokens"), toJson(summary.tokens)},
-        {QLatin1String("eventCount"), QJsonValue(qint64{summary.eventCount})},
-        {QLatin1String("budgetTokens"), QJsonValue(qint64{summary.budgetTokens})},
-        {QLatin1String("models"), toJsonArray(summary.models)},
-    };
-    if (summary.rateLimit)
-        json.insert(QLatin1String("rateLimit"), toJson(*summary.rateLimit));
-    return json;
-}
-
-QJsonObject toJson(const WindowUsageSummary &summary)
-{
-    return {
-        {QLatin1String("window"), QString(rawValue(summary.window))},
-        {QLatin1String("startDate"), formatIsoDateTime(summary.startDate)},
-        {QLatin1String("endDate"), formatIsoDateTime(summary.endDate)},
-        {QLatin1String("providers"), toJsonArray(summary.providers)},
-    };
-}
-
-QJsonObject toJson(const UsageHistorySample &sample)
-{
-    return {
-        {QLatin1String("id"), sample.id.toString(QUuid::WithoutBraces).toUpper()},
-        {QLatin1String("date"), formatIsoDateTime(sample.date)},
-        {QLatin1String("provider"), QString(rawValue(sample.provider))},
-        {QLatin1String("fiveHourPercent"), sample.fiveHourPercent},
-        {QLatin1String("weekPercent"), sample.weekPercent},
-        {QLatin1String("totalTokens"), QJsonValue(qint64{sample.totalTokens})},
-    };
-}
-
-/// Reads the members of one object, each by its type. After the first that is missing or of another
-/// type, ok() is false and the values mean nothing.
-class MemberReader
-{
-public:
-    explicit MemberReader(const QJsonValue &value)
-        : m_object(value.toObject())
-        , m_ok(value.isObject())
+    static QJsonValue encode(std::int64_t value) { return qint64{value}; }
+    static QJsonValue encode(double value) { return value; }
+    static QJsonValue encode(bool value) { return value; }
+    static QJsonValue encode(const QString &value) { return value; }
+    static QJsonValue encode(Instant value) { return formatIsoDateTime(value); }
+    static QJsonValue encode(UsageProvider value) { return QString(rawValue(value)); }
+    static QJsonValue encode(UsageWindowKind value) { return QString(rawValue(value)); }
+    static QJsonValue encode(const QUuid &value)
     {
+        return value.toString(QUuid::WithoutBraces).toUpper();
     }
-
-    bool ok() const { return m_ok; }
-
-    std::int64_t integer(QLatin1String key) { return require(optionalInteger(key)); }
-    double number(QLatin1String key)
-    {
-        const QJsonValue value = m_object.value(key);
-        check(value.isDouble());
-        return value.toDouble();
-    }
-    QString string(QLatin1String key) { return require(optionalString(key)); }
-    Instant date(QLatin1String key) { return require(optionalDate(key)); }
-
-    std::optional<std::int64_t> optionalInteger(QLatin1String key)
-    {
-        const QJsonValue value = m_object.value(key);
-        if (isAbsent(value))
-            return std::nullopt;
-        // Not a whole number: toInteger() gives back the default, whichever it is.
-        check(value.toInteger(0) == value.toInteger(1));
-        return value.toInteger();
-    }
-    std::optional<bool> optionalBoolean(QLatin1String key)
-    {
-        const QJsonValue value = m_object.value(key);
-        if (isAbsent(value))
-            return std::nullopt;
-        check(value.isBool());
-        return value.toBool();
-    }
-    std::optional<QString> optionalString(QLatin1String key)
-    {
-        const QJsonValue value = m_object.value(key);
-        if (isAbsent(value))
-            return std::nullopt;
-        check(value.isString());
-        return value.toString();
-    }
-    std::optional<Instant> optionalDate(QLatin1String key)
-    {
-        const auto text = optionalString(key);
-        if (!text)
-            return std::nullopt;
-        const auto date = parseIsoDateTime(text->toStdString());
-        check(date.has_value());
-        return date;
-    }
-
-    QJsonValue member(QLatin1String key) const { return m_object.value(key); }
-
+    /// A field that is absent is undefined, which takes it out of its object.
     template<typename Value>
-    Value require(std::optional<Value> value)
+    static QJsonValue encode(const std::optional<Value> &value)
     {
-        check(value.has_value());
-        return std::move(value).value_or(Value{});
+        return value ? encode(*value) : QJsonValue(QJsonValue::Undefined);
+    }
+    template<typename Value>
+    static QJsonValue encode(const std::vector<Value> &values)
+    {
+        QJsonArray json;
+        for (const Value &value : values)
+            json.append(encode(value));
+        return json;
+    }
+    template<typename Record>
+    static QJsonValue encode(const Record &record)
+    {
+        QJsonObject json;
+        const auto write = [&](const auto &field) {
+            json.insert(QLatin1String(field.first), encode(record.*field.second));
+        };
+        std::apply([&](const auto &...fields) { (write(fields), ...); }, fieldsOf<Record>);
+        return json;
     }
 
-    template<typename Record>
-    std::vector<Record> list(QLatin1String key,
-                             std::optional<Record> (*readRecord)(const QJsonValue &))
+    static bool decode(const QJsonValue &json, std::int64_t &value)
     {
-        const QJsonValue value = m_object.value(key);
-        check(value.isArray());
-        std::vector<Record> records;
-        for (const QJsonValue element : value.toArray())
-            records.push_back(require(readRecord(element)));
-        return records;
+        value = json.toInteger();
+        // Not a whole number: toInteger() gives back the default, whichever it is.
+        return json.toInteger(1) == value;
+    }
+    static bool decode(const QJsonValue &json, double &value)
+    {
+        value = json.toDouble();
+        return json.isDouble();
+    }
+    static bool decode(const QJsonValue &json, bool &value)
+    {
+        value = json.toBool();
+        return json.isBool();
+    }
+    static bool decode(const QJsonValue &json, QString &value)
+    {
+        value = json.toString();
+        return json.isString();
+    }
+    static bool decode(const QJsonValue &json, Instant &value)
+    {
+        return take(value, parseIsoDateTime(json.toString().toStdString()));
+    }
+    static bool decode(const QJsonValue &json, UsageProvider &value)
+    {
+        return take(value, providerFromRawValue(json.toString()));
+    }
+    static bool decode(const QJsonValue &json, UsageWindowKind &value)
+    {
+        return take(value, windowKindFromRawValue(json.toString()));
+    }
+    static bool decode(const QJsonValue &json, QUuid &value)
+    {
+        value = QUuid::fromString(json.toString());
+        return !value.isNull();
+    }
+    template<typename Value>
+    static bool decode(const QJsonValue &json, std::optional<Value> &value)
+    {
+        return json.isUndefined() || json.isNull() || decode(json, value.emplace());
+    }
+    template<typename Value>
+    static bool decode(const QJsonValue &json, std::vector<Value> &values)
+    {
+        for (const QJsonValue element : json.toArray()) {
+            if (!decode(element, values.emplace_back()))
+                return false;
+        }
+        return json.isArray();
+    }
+    template<typename Record>
+    static bool decode(const QJsonValue &json, Record &record)
+    {
+        const QJsonObject object = json.toObject();
+        const auto read = [&](const auto &field) {
+            return decode(object.value(QLatin1String(field.first)), record.*field.second);
+        };
+        return json.isObject()
+            && std::apply([&](const auto &...fields) { return (read(fields) && ...); },
+                          fieldsOf<Record>);
     }
 
 private:
-    static bool isAbsent(const QJsonValue &value) { return value.isUndefined() || value.isNull(); }
-    void check(bool isAsExpected) { m_ok = m_ok && isAsExpected; }
-
-    QJsonObject m_object;
-    bool m_ok;
+    template<typename Value>
+    static bool take(Value &value, const std::optional<Value> &read)
+    {
+        value = read.value_or(value);
+        return read.has_value();
+    }
 };
 
-std::optional<TokenUsage> tokenUsageFromJson(const QJsonValue &json)
+__extension__ using WideInteger = __int128; // holds any sum of 64-bit figures that fits into a file
+
+WideInteger magnitude(std::int64_t figure)
 {
-    MemberReader reader(json);
-    const TokenUsage usage{
-        .inputTokens = reader.integer(QLatin1String("inputTokens")),
-        .outputTokens = reader.integer(QLatin1String("outputTokens")),
-        .cacheCreationTokens = reader.integer(QLatin1String("cacheCreationTokens")),
-        .cacheReadTokens = reader.integer(QLatin1String("cacheReadTokens")),
-        .explicitTotalTokens = reader.optionalInteger(QLatin1String("explicitTotalTokens")),
-    };
-    return reader.ok() ? std::optional{usage} : std::nullopt;
+    return figure < 0 ? -WideInteger{figure} : WideInteger{figure};
 }
 
-std::optional<ModelUsageSummary> modelFromJson(const QJsonValue &json)
+/// No sum of the counters, and no total, is further from 0.
+WideInteger largestSum(const TokenUsage &usage)
 {
-    MemberReader reader(json);
-    ModelUsageSummary summary{
-        .model = reader.string(QLatin1String("model")),
-        .tokens = reader.require(tokenUsageFromJson(reader.member(QLatin1String("tokens")))),
-        .eventCount = reader.integer(QLatin1String("eventCount")),
-    };
-    return reader.ok() ? std::optional{std::move(summary)} : std::nullopt;
+    return std::max(magnitude(usage.inputTokens) + magnitude(usage.outputTokens)
+                        + magnitude(usage.cacheCreationTokens) + magnitude(usage.cacheReadTokens),
+                    magnitude(usage.explicitTotalTokens.value_or(0)));
 }
 
-std::optional<RateLimitUsage> limitFromJson(const QJsonValue &json)
+/// Whether the window's figures can be summed. Ours can; those of a damaged file would end the
+/// program at every start.
+bool canBeSummed(const WindowUsageSummary &window)
 {
-    MemberReader reader(json);
-    RateLimitUsage limit{
-        .usedPercent = reader.number(QLatin1String("usedPercent")),
-        .resetDate = reader.optionalDate(QLatin1String("resetDate")),
-        .windowMinutes = reader.optionalInteger(QLatin1String("windowMinutes")),
-        .planType = reader.optionalString(QLatin1String("planType")),
-        .percentKnown = reader.optionalBoolean(QLatin1String("percentKnown")),
-    };
-    return reader.ok() ? std::optional{std::move(limit)} : std::nullopt;
-}
-
-std::optional<ProviderUsageSummary> providerSummaryFromJson(const QJsonValue &json)
-{
-    MemberReader reader(json);
-    ProviderUsageSummary summary{
-        .provider = reader.require(providerFromRawValue(reader.string(QLatin1String("provider")))),
-        .tokens = reader.require(tokenUsageFromJson(reader.member(QLatin1String("tokens")))),
-        .eventCount = reader.integer(QLatin1String("eventCount")),
-        .budgetTokens = reader.integer(QLatin1String("budgetTokens")),
-        .models = reader.list(QLatin1String("models"), modelFromJson),
-    };
-    const QJsonValue limit = reader.member(QLatin1String("rateLimit"));
-    if (!limit.isUndefined() && !limit.isNull())
-        summary.rateLimit = reader.require(limitFromJson(limit));
-    return reader.ok() ? std::optional{std::move(summary)} : std::nullopt;
-}
-
-std::optional<WindowUsageSummary> windowSummaryFromJson(const QJsonValue &json)
-{
-    MemberReader reader(json);
-    WindowUsageSummary summary{
-        .window = reader.require(windowKindFromRawValue(reader.string(QLatin1String("window")))),
-        .startDate = reader.date(QLatin1String("startDate")),
-        .endDate = reader.date(QLatin1String("endDate")),
-        .providers = reader.list(QLatin1String("providers"), providerSummaryFromJson),
-    };
-    return reader.ok() ? std::optional{std::move(summary)} : std::nullopt;
-}
-
-std::optional<UsageHistorySample> sampleFromJson(const QJsonValue &json)
-{
-    MemberReader reader(json);
-    const QUuid id = QUuid::fromString(reader.string(QLatin1String("id")));
-    const UsageHistorySample sample{
-        .id = reader.require(id.isNull() ? std::nullopt : std::optional{id}),
-        .date = reader.date(QLatin1String("date")),
-        .provider = reader.require(providerFromRawValue(reader.string(QLatin1String("provider")))),
-        .fiveHourPercent = reader.number(QLatin1String("fiveHourPercent")),
-        .weekPercent = reader.number(QLatin1String("weekPercent")),
-        .totalTokens = reader.integer(QLatin1String("totalTokens")),
-    };
-    return reader.ok() ? std::optional{sample} : std::nullopt;
+    WideInteger tokens = 0;
+    WideInteger events = 0;
+    WideInteger ofModels = 0;
+    for (const ProviderUsageSummary &provider : window.providers) {
+        tokens += largestSum(provider.tokens);
+        events += magnitude(provider.eventCount);
+        for (const ModelUsageSummary &model : provider.models)
+            ofModels = std::max(ofModels, largestSum(model.tokens));
+    }
+    return std::max({tokens, events, ofModels}) <= std::numeric_limits<std::int64_t>::max();
 }
 
 } // namespace
 
 QJsonObject toJson(const UsageSnapshot &snapshot)
 {
-    return {
-        {QLatin1String("generatedAt"), formatIsoDateTime(snapshot.generatedAt)},
-        {QLatin1String("summaries"), toJsonArray(snapshot.summaries)},
-    };
+    return Coder::encode(snapshot).toObject();
 }
 
 QJsonArray toJson(const std::vector<UsageHistorySample> &samples)
 {
-    return toJsonArray(samples);
+    return Coder::encode(samples).toArray();
 }
 
 std::optional<UsageSnapshot> snapshotFromJson(const QJsonObject &json)
 {
-    MemberReader reader(json);
-    UsageSnapshot snapshot{
-        .generatedAt = reader.date(QLatin1String("generatedAt")),
-        .summaries = reader.list(QLatin1String("summaries"), windowSummaryFromJson),
-    };
-    return reader.ok() ? std::optional{std::move(snapshot)} : std::nullopt;
+    UsageSnapshot snapshot;
+    const bool isWhole =
+        Coder::decode(json, snapshot) && std::ranges::all_of(snapshot.summaries, canBeSummed);
+    return isWhole ? std::optional{std::move(snapshot)} : std::nullopt;
 }
 
 std::optional<std::vector<UsageHistorySample>> historyFromJson(const QJsonArray &json)
 {
     std::vector<UsageHistorySample> samples;
-    samples.reserve(static_cast<std::size_t>(json.size()));
-    for (const QJsonValue element : json) {
-        const auto sample = sampleFromJson(element);
-        if (!sample)
-            return std::nullopt;
-        samples.push_back(*sample);
-    }
-    return samples;
+    return Coder::decode(json, samples) ? std::optional{std::move(samples)} : std::nullopt;
 }
 
 } // namespace tallyglass

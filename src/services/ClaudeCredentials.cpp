@@ -31,7 +31,7 @@ std::optional<ClaudeCredentials> credentials(const QJsonDocument &document, Inst
 
     ClaudeCredentials credentials;
     const auto expiresAt = numberFrom(record.value(QLatin1String("expiresAt")));
-    if (expiresAt && *expiresAt > 0)
+    if (expiresAt)
         credentials.expiryDate = fromUnixNumber(*expiresAt);
     credentials.isExpired = credentials.expiryDate && *credentials.expiryDate <= now;
     if (!credentials.isExpired)

@@ -190,7 +190,8 @@ private Q_SLOTS:
              "2023-11-14T22:13:20.000Z"},
             {"no date falls through", R"("time":"noon","started_at":1700000000)",
              "2023-11-14T22:13:20.000Z"},
-            {"beyond all dates", R"("request_start_time":1e300)", "9999-12-31T23:59:59.999Z"},
+            {"beyond all dates falls through", R"("time":1e300,"request_start_time":1700000000)",
+             "2023-11-14T22:13:20.000Z"},
             {"order of keys, not of members", R"("date":1600000000,"timestamp":1700000000)",
              "2023-11-14T22:13:20.000Z"},
         });

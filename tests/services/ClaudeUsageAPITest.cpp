@@ -36,7 +36,7 @@ struct StatusRow
     std::chrono::seconds pause; ///< for which nothing more is sent
 };
 
-const ClaudeUsageAPIStatus ok = apistatus::Ok{fromUnixNumber(1'714'566'600)};
+const ClaudeUsageAPIStatus ok = apistatus::Ok{fromUnixNumber(1'714'566'600).value()};
 constexpr auto goodToken = R"({"claudeAiOauth":{"accessToken":"good"}})";
 constexpr auto oldToken = R"({"accessToken":"old","expiresAt":1714566600})";
 
@@ -155,7 +155,7 @@ private Q_SLOTS:
 
     void readsTheAnswer_data()
     {
-        const Instant reset = fromUnixNumber(1'775'890'800);
+        const Instant reset = fromUnixNumber(1'775'890'800).value();
         test::table<ShareRow>({
             {"percent", R"({"utilization":33.0})", 0.33, {}},
             {"full", R"({"utilization":100})", 1.0, {}},

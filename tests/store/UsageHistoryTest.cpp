@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const Instant start = fromUnixNumber(1'714'566'600);
+const Instant start = fromUnixNumber(1'714'566'600).value();
 const QTimeZone zone("Asia/Tokyo");
 
 /// A snapshot in which Codex has used so much of its five hours and of its week.

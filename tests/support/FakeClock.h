@@ -63,7 +63,7 @@ private:
         }
     }
 
-    Instant m_now = fromUnixNumber(1'714'566'600); // 2024-05-01 12:30:00 UTC
+    Instant m_now = fromUnixNumber(1'714'566'600).value(); // 2024-05-01 12:30:00 UTC
     QTimeZone m_zone{"Asia/Tokyo"}; // off UTC, so that a missed conversion shows
     std::vector<std::pair<Instant, std::coroutine_handle<>>> m_sleepers;
 };
