@@ -15,25 +15,38 @@ QString budgetsPath(const StorageLocations &locations)
 
 const auto budgetsKey = QStringLiteral("tokenBudgets");
 
-} // namespace
-
-UsageBudgets loadBudgets(const StorageLocations &locations)
+/// Nothing when the file holds anything else.
+std::optional<UsageBudgets> budgetsIn(const OwnFile &file)
 {
-    const auto document = readJsonFile(budgetsPath(locations));
-    const QJsonValue stored =
-        document ? document->object().value(budgetsKey) : QJsonValue(QJsonValue::Undefined);
+    const QJsonValue stored = file.document.object().value(budgetsKey);
     if (!stored.isObject())
-        return defaultBudgets();
-
+        return std::nullopt;
     UsageBudgets budgets;
     const QJsonObject figures = stored.toObject();
     for (auto figure = figures.begin(); figure != figures.end(); ++figure) {
         // Not a whole number: toInteger() gives back the default, whichever it is.
         if (figure->toInteger(0) != figure->toInteger(1))
-            return defaultBudgets();
+            return std::nullopt;
         budgets.tokenBudgets.emplace(figure.key(), figure->toInteger());
     }
     return budgets;
+}
+
+/// Makes room for new budgets. False when those that are there must stay.
+bool setAsideUnlessOurs(const QString &path)
+{
+    const OwnFile file = readOwnFile(path);
+    if (file.state == OwnFileState::Missing || budgetsIn(file))
+        return true;
+    return file.state != OwnFileState::Unreadable
+        && moveFile(path, path + QStringLiteral(".malformed"));
+}
+
+} // namespace
+
+UsageBudgets loadBudgets(const StorageLocations &locations)
+{
+    return budgetsIn(readOwnFile(budgetsPath(locations))).value_or(defaultBudgets());
 }
 
 bool saveBudgets(const UsageBudgets &budgets, const StorageLocations &locations)
@@ -42,7 +55,9 @@ bool saveBudgets(const UsageBudgets &budgets, const StorageLocations &locations)
     for (const auto &[key, tokens] : budgets.tokenBudgets)
         figures.insert(key, qint64{tokens});
     const QJsonDocument document(QJsonObject{{budgetsKey, figures}});
-    return writeFileAtomically(budgetsPath(locations), document.toJson(QJsonDocument::Indented));
+    const QString path = budgetsPath(locations);
+    return setAsideUnlessOurs(path)
+        && writeFileAtomically(path, document.toJson(QJsonDocument::Indented));
 }
 
 } // namespace tallyglass

@@ -26,8 +26,7 @@ void writeSnapshot(const UsageSnapshot &snapshot, const StorageLocations &locati
 std::optional<UsageSnapshot> readSnapshot(const StorageLocations &locations)
 {
     for (const QString &path : locations.readingPaths(fileName)) {
-        const auto document = readJsonFile(path);
-        if (const auto snapshot = document ? snapshotFromJson(document->object()) : std::nullopt)
+        if (auto snapshot = snapshotFromJson(readOwnFile(path).document.object()))
             return snapshot;
     }
     return std::nullopt;

@@ -16,29 +16,44 @@ const auto fileName = QStringLiteral("usage_history.json");
 constexpr auto leastDistance = 600s;
 constexpr auto retention = 30 * 24h;
 
+struct StoredHistory
+{
+    std::vector<UsageHistorySample> samples;
+    bool mayBeIncomplete = false; ///< a file that goes before the one read could not be read
+};
+
+StoredHistory readHistory(const StorageLocations &locations)
+{
+    StoredHistory history;
+    for (const QString &path : locations.readingPaths(fileName)) {
+        const OwnFile file = readOwnFile(path);
+        if (file.state == OwnFileState::Unreadable)
+            history.mayBeIncomplete = true;
+        auto samples =
+            file.document.isArray() ? historyFromJson(file.document.array()) : std::nullopt;
+        if (samples) {
+            std::ranges::sort(*samples, {}, [](const UsageHistorySample &sample) {
+                return std::pair(sample.date, sample.provider);
+            });
+            history.samples = std::move(*samples);
+            break;
+        }
+    }
+    return history;
+}
+
 } // namespace
 
 std::vector<UsageHistorySample> loadHistory(const StorageLocations &locations)
 {
-    for (const QString &path : locations.readingPaths(fileName)) {
-        const auto document = readJsonFile(path);
-        if (!document || !document->isArray())
-            continue;
-        if (auto samples = historyFromJson(document->array())) {
-            std::ranges::sort(*samples, {}, [](const UsageHistorySample &sample) {
-                return std::pair(sample.date, sample.provider);
-            });
-            return std::move(*samples);
-        }
-    }
-    return {};
+    return readHistory(locations).samples;
 }
 
 std::vector<UsageHistorySample> recordHistory(const UsageSnapshot &snapshot, Instant now,
                                               const QTimeZone &zone,
                                               const StorageLocations &locations)
 {
-    std::vector<UsageHistorySample> samples = loadHistory(locations);
+    auto [samples, mayBeIncomplete] = readHistory(locations);
     if (!samples.empty() && now - samples.back().date < leastDistance)
         return samples;
 
@@ -59,6 +74,8 @@ std::vector<UsageHistorySample> recordHistory(const UsageSnapshot &snapshot, Ins
     std::erase_if(samples,
                   [&](const UsageHistorySample &sample) { return sample.date < now - retention; });
 
+    if (mayBeIncomplete)
+        return samples;
     const QByteArray content = QJsonDocument(toJson(samples)).toJson(QJsonDocument::Compact);
     for (const QString &path : locations.writingPaths(fileName))
         writeFileAtomically(path, content);
