@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tallyglass {
 
@@ -22,15 +23,6 @@ constexpr std::array entities{
     Entity{QLatin1String("&#39;"), u'\''}, Entity{QLatin1String("&apos;"), u'\''},
     Entity{QLatin1String("&nbsp;"), u' '},
 };
-
-/// Leaves what follows the last ">" alone, where no tag can end: from each "<" there a pattern
-/// would search in vain to the end of the text, and a text of nothing but "<" would take hours.
-QString withTagsReplaced(const QString &text, const QRegularExpression &tag,
-                         const QString &replacement)
-{
-    const qsizetype end = text.lastIndexOf(u'>') + 1;
-    return text.first(end).replace(tag, replacement) + text.sliced(end);
-}
 
 /// In one pass, so that what a replacement writes is not taken for an entity again: "&amp;lt;"
 /// stands for the text "&lt;".
@@ -80,16 +72,20 @@ QString withLinesTidied(QString text)
 
 QString releaseNotesText(const QString &html)
 {
-    static const QRegularExpression listItem(QStringLiteral("(?i)<\\s*li[^>]*>"));
-    static const QRegularExpression lineBreak(QStringLiteral("(?i)<\\s*br\\s*/?>"));
-    static const QRegularExpression endOfBlock(
-        QStringLiteral("(?i)<\\s*/\\s*(li|p|div|h[1-6]|tr)\\s*>"));
-    static const QRegularExpression anyTag(QStringLiteral("<[^>]+>"));
-
-    QString text = withTagsReplaced(html, listItem, QStringLiteral("• "));
-    text = withTagsReplaced(text, lineBreak, QStringLiteral("\n"));
-    text = withTagsReplaced(text, endOfBlock, QStringLiteral("\n"));
-    text = withTagsReplaced(text, anyTag, {});
+    static const std::array replacements{
+        std::pair(QRegularExpression(QStringLiteral("(?i)<\\s*li[^>]*>")), QStringLiteral("• ")),
+        std::pair(QRegularExpression(QStringLiteral("(?i)<\\s*br\\s*/?>")), QStringLiteral("\n")),
+        std::pair(QRegularExpression(QStringLiteral("(?i)<\\s*/\\s*(li|p|div|h[1-6]|tr)\\s*>")),
+                  QStringLiteral("\n")),
+        std::pair(QRegularExpression(QStringLiteral("<[^>]+>")), QString()),
+    };
+    QString text = html;
+    for (const auto &[tag, replacement] : replacements) {
+        // Behind the last ">" no tag can end: from each "<" there the pattern would search in vain
+        // to the end of the text, and a text of nothing but "<" would take hours.
+        const qsizetype end = text.lastIndexOf(u'>') + 1;
+        text = text.first(end).replace(tag, replacement) + text.sliced(end);
+    }
     return withLinesTidied(withEntitiesReplaced(text));
 }
 

@@ -4,9 +4,13 @@
 #include "update/ModestXml.h"
 #include "update/WebAddress.h"
 
+#include <QXmlStreamReader>
+
 namespace tallyglass {
 
 namespace {
+
+using Item = SparkleAppcastParser::Item;
 
 template<typename Value>
 void replaceBy(std::optional<Value> &field, std::optional<Value> value)
@@ -27,6 +31,51 @@ std::optional<QString> attribute(const QXmlStreamAttributes &attributes, QLatin1
     return unlessEmpty(value.trimmed().toString());
 }
 
+/// The trimmed text of the current element and of those in it.
+QString readText(QXmlStreamReader &reader)
+{
+    return reader.readElementText(QXmlStreamReader::IncludeChildElements).trimmed();
+}
+
+void readChild(QXmlStreamReader &reader, Item &item)
+{
+    // Local names: feeds disagree on which elements belong to a namespace.
+    const QStringView name = reader.name();
+    if (name == QLatin1String("enclosure")) {
+        const QXmlStreamAttributes attributes = reader.attributes();
+        replaceBy(
+            item.buildVersion,
+            attribute(attributes, QLatin1String("sparkle:version"), QLatin1String("version")));
+        replaceBy(item.shortVersion,
+                  attribute(attributes, QLatin1String("sparkle:shortVersionString"),
+                            QLatin1String("shortVersionString")));
+        replaceBy(item.downloadURL, webAddress(attributes.value(QLatin1String("url")).toString()));
+        reader.skipCurrentElement();
+    } else if (name == QLatin1String("title")) {
+        replaceBy(item.title, unlessEmpty(readText(reader)));
+    } else if (name == QLatin1String("version")) {
+        replaceBy(item.buildVersion, unlessEmpty(readText(reader)));
+    } else if (name == QLatin1String("shortVersionString")) {
+        replaceBy(item.shortVersion, unlessEmpty(readText(reader)));
+    } else if (name == QLatin1String("description")) {
+        replaceBy(item.releaseNotesHTML, unlessEmpty(readText(reader)));
+    } else if (name == QLatin1String("releaseNotesLink")) {
+        replaceBy(item.releaseNotesLink, webAddress(readText(reader)));
+    } else {
+        reader.skipCurrentElement();
+    }
+}
+
+/// Looks at the item's own children only: its patches from older versions are enclosures as well,
+/// one level deeper, and no one can install those by hand.
+Item readItem(QXmlStreamReader &reader)
+{
+    Item item;
+    while (reader.readNextStartElement())
+        readChild(reader, item);
+    return item;
+}
+
 } // namespace
 
 QString SparkleAppcastParser::Item::versionText() const
@@ -38,13 +87,7 @@ QString SparkleAppcastParser::Item::versionText() const
     return buildVersion.value_or(QString());
 }
 
-SparkleAppcastParser::SparkleAppcastParser(const QString &xml)
-    : m_reader(xml)
-{
-}
-
-std::optional<std::vector<SparkleAppcastParser::Item>>
-SparkleAppcastParser::parse(const QByteArray &feed)
+std::optional<std::vector<Item>> SparkleAppcastParser::parse(const QByteArray &feed)
 {
     if (feed.size() > largestHttpBody)
         return std::nullopt;
@@ -53,63 +96,17 @@ SparkleAppcastParser::parse(const QByteArray &feed)
     if (!isModestXml(xml))
         return std::nullopt;
 
-    SparkleAppcastParser parser(xml);
-    QXmlStreamReader &reader = parser.m_reader;
+    QXmlStreamReader reader(xml);
     std::vector<Item> items;
     while (!reader.atEnd()) {
         reader.readNext();
         if (!reader.isStartElement() || reader.name() != QLatin1String("item"))
             continue;
-        Item item = parser.readItem();
+        Item item = readItem(reader);
         if (!item.versionText().isEmpty())
             items.push_back(std::move(item));
     }
     return reader.hasError() ? std::nullopt : std::optional{std::move(items)};
-}
-
-/// Looks at the item's own children only: its patches from older versions are enclosures as well,
-/// one level deeper, and no one can install those by hand.
-SparkleAppcastParser::Item SparkleAppcastParser::readItem()
-{
-    Item item;
-    while (m_reader.readNextStartElement())
-        readChild(item);
-    return item;
-}
-
-void SparkleAppcastParser::readChild(Item &item)
-{
-    // Local names: feeds disagree on which elements belong to a namespace.
-    const QStringView name = m_reader.name();
-    if (name == QLatin1String("enclosure")) {
-        const QXmlStreamAttributes attributes = m_reader.attributes();
-        replaceBy(
-            item.buildVersion,
-            attribute(attributes, QLatin1String("sparkle:version"), QLatin1String("version")));
-        replaceBy(item.shortVersion,
-                  attribute(attributes, QLatin1String("sparkle:shortVersionString"),
-                            QLatin1String("shortVersionString")));
-        replaceBy(item.downloadURL, webAddress(attributes.value(QLatin1String("url")).toString()));
-        m_reader.skipCurrentElement();
-    } else if (name == QLatin1String("title")) {
-        replaceBy(item.title, unlessEmpty(readText()));
-    } else if (name == QLatin1String("version")) {
-        replaceBy(item.buildVersion, unlessEmpty(readText()));
-    } else if (name == QLatin1String("shortVersionString")) {
-        replaceBy(item.shortVersion, unlessEmpty(readText()));
-    } else if (name == QLatin1String("description")) {
-        replaceBy(item.releaseNotesHTML, unlessEmpty(readText()));
-    } else if (name == QLatin1String("releaseNotesLink")) {
-        replaceBy(item.releaseNotesLink, webAddress(readText()));
-    } else {
-        m_reader.skipCurrentElement();
-    }
-}
-
-/// The trimmed text of the current element and of those in it.
-QString SparkleAppcastParser::readText()
-{
-    return m_reader.readElementText(QXmlStreamReader::IncludeChildElements).trimmed();
 }
 
 } // namespace tallyglass

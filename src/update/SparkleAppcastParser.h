@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <QUrl>
-#include <QXmlStreamReader>
 
 #include <optional>
 #include <vector>
@@ -10,9 +9,8 @@
 namespace tallyglass {
 
 /// Reads an update feed: RSS with the elements and attributes of the Sparkle framework.
-class SparkleAppcastParser
+struct SparkleAppcastParser
 {
-public:
     /// One offered version. What is missing, empty or no web address in the feed is absent; where
     /// the feed says something twice, the last counts.
     struct Item
@@ -33,15 +31,6 @@ public:
     /// Reads the items that name a version, in the order of the feed. Nothing when the feed is no
     /// well-formed XML in UTF-8, more than isModestXml() allows, or longer than largestHttpBody.
     static std::optional<std::vector<Item>> parse(const QByteArray &feed);
-
-private:
-    explicit SparkleAppcastParser(const QString &xml);
-
-    Item readItem();
-    void readChild(Item &item);
-    QString readText();
-
-    QXmlStreamReader m_reader;
 };
 
 } // namespace tallyglass

@@ -22,23 +22,18 @@ QStringView takeNumber(QStringView &text)
     return number;
 }
 
-/// Without leading zeros the longer number is the larger one, so no digits overflow.
-std::weak_ordering compareNumbers(QStringView left, QStringView right)
-{
-    if (left.size() != right.size())
-        return left.size() <=> right.size();
-    return left.compare(right) <=> 0;
-}
-
 } // namespace
 
 std::weak_ordering compareVersions(QStringView left, QStringView right)
 {
     while (!left.isEmpty() && !right.isEmpty()) {
         if (isDigit(left.front()) && isDigit(right.front())) {
-            const auto order = compareNumbers(takeNumber(left), takeNumber(right));
-            if (order != 0)
-                return order;
+            const QStringView number = takeNumber(left);
+            const QStringView other = takeNumber(right);
+            // Without leading zeros the longer one is the larger, so no digits overflow.
+            const auto order = number.size() <=> other.size();
+            if (order != 0 || number != other)
+                return order != 0 ? order : number.compare(other) <=> 0;
         } else if (left.front() != right.front()) {
             return left.front().unicode() <=> right.front().unicode();
         } else {
