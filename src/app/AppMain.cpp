@@ -1,5 +1,6 @@
 #include "app/CommandLine.h"
 #include "app/Home.h"
+#include "app/Language.h"
 #include "app/QuitSignals.h"
 #include "app/SingleInstance.h"
 #include "app/TallyglassApp.h"
@@ -37,14 +38,6 @@ void chooseRenderer()
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
-/// Where the system names no language, dates and figures are written like the texts: in Japanese.
-/// The forms that stand for no language show seconds on every clock.
-void chooseLocale()
-{
-    if (QLocale().language() == QLocale::C)
-        QLocale::setDefault(QLocale(QLocale::Japanese, QLocale::Japan));
-}
-
 int start(const command::Start &start)
 {
     const Home home(start.inDemoHome);
@@ -76,8 +69,8 @@ int main(int argc, char *argv[])
 {
     prepareForWindows();
     chooseRenderer();
-    chooseLocale();
     QApplication application(argc, argv);
+    chooseLanguage(QLocale::system().uiLanguages());
     QCoreApplication::setApplicationName(QStringLiteral("Tallyglass"));
     QGuiApplication::setDesktopFileName(QStringLiteral("tallyglass"));
     QGuiApplication::setQuitOnLastWindowClosed(false); // it lives in the tray

@@ -1,11 +1,13 @@
 #include "app/CommandLine.h"
 #include "app/Home.h"
+#include "app/Language.h"
 #include "app/Report.h"
 #include "model/DisplayTexts.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QLocale>
 
 #include <cstdio>
 #include <unistd.h>
@@ -47,9 +49,8 @@ int run(const command::Report &report)
 
 /// Becomes the application, a program of its own near this one: a report must not wait for the
 /// libraries of windows to load. Returns only when that is missing.
-int becomeApplication(int argc, char **argv)
+int becomeApplication(char **argv)
 {
-    const QCoreApplication self(argc, argv); // knows where it is
     const QString program = QDir::cleanPath(QCoreApplication::applicationDirPath()
                                             + QStringLiteral("/" TALLYGLASS_APPLICATION));
     execv(QFile::encodeName(program).constData(), argv);
@@ -62,14 +63,13 @@ int becomeApplication(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    QStringList words;
-    for (int i = 1; i < argc; ++i)
-        words += QString::fromLocal8Bit(argv[i]);
-    const Command command = parseCommandLine(words);
+    const QCoreApplication application(argc, argv);
+    chooseLanguage(QLocale::system().uiLanguages());
+    const Command command = parseCommandLine(QCoreApplication::arguments().mid(1));
     return std::visit(
         [&]<typename Chosen>(const Chosen &chosen) {
             if constexpr (std::is_same_v<Chosen, command::Start>)
-                return becomeApplication(argc, argv);
+                return becomeApplication(argv);
             else
                 return run(chosen);
         },

@@ -40,13 +40,12 @@ constexpr auto table = std::to_array<DisplayText>({
     {"reset.daysHours", "あと%d日%d時間"},
     {"update.check", "更新確認"},
     {"update.available", "新しいバージョン %@ が利用可能です"},
-    {"update.body", TALLYGLASS_SITE_DOMAIN " から最新版をダウンロードできます。"},
+    {"update.body", "%{site} から最新版をダウンロードできます。"},
     {"update.releaseNotes.title", "変更点"},
     {"update.releaseNotes.link", "変更点を見る"},
     {"update.section", "アップデート"},
     {"update.settingsBody",
-     "新しいバージョンがあるか確認し、見つかった場合は " TALLYGLASS_SITE_DOMAIN
-     " からダウンロードできます。"},
+     "新しいバージョンがあるか確認し、見つかった場合は %{site} からダウンロードできます。"},
     {"update.action", "今すぐ更新"},
     {"update.openSite", "配布ページ"},
     {"update.notConfigured", "開発ビルドではSparkle公開鍵が未設定のため、配布ページを開きます。"},
@@ -132,8 +131,10 @@ const DisplayText &TextKey::text() const
 QString displayText(const DisplayText &text)
 {
     // Without an entry in a catalogue Qt gives the key back.
-    const QString translated = qtTrId(text.key);
-    return translated == QLatin1String(text.key) ? QString::fromUtf8(text.japanese) : translated;
+    QString found = qtTrId(text.key);
+    if (found == QLatin1String(text.key))
+        found = QString::fromUtf8(text.japanese);
+    return found.replace(QLatin1String("%{site}"), QStringLiteral(TALLYGLASS_SITE_DOMAIN));
 }
 
 QString displayText(TextKey key)

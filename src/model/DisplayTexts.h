@@ -13,7 +13,8 @@
 namespace tallyglass {
 
 /// Every text that a user can see has a key; those of tools and windows stand in their tables. Keys
-/// that end in ".format", and a few older ones, hold placeholders for formatText().
+/// that end in ".format", and a few older ones, hold placeholders for formatText(). "%{site}" stands
+/// for the domain where new versions are offered.
 inline constexpr auto textKeys = std::to_array<std::string_view>(
     {// What every screen has
      "app.name", "limit.window.unknown", "limit.window.days", "limit.window.minutes",
