@@ -59,6 +59,8 @@ private Q_SLOTS:
              test::saying(failed("401 No\r\nWWW-Authenticate: Basic")),
              {401, "no"}},
             {"an error that Qt names", test::saying(failed("404 Not Found")), {404, "no"}},
+            {"one that Qt takes for its own", test::saying(failed("400 Bad")), {400, "no"}},
+            {"another", test::saying(failed("418 Teapot")), {418, "no"}},
             {"an error that Qt does not name", test::saying(failed("429 Slow")), {429, "no"}},
             {"server in trouble", test::saying(failed("500 Oh")), {500, "no"}},
             {"just small enough", test::saying(okWithBody(largestBody)), {200, largestBody}},
@@ -68,7 +70,15 @@ private Q_SLOTS:
              test::saying(okHead + "Content-Encoding: gzip\r\nContent-Length: 2\r\n\r\n\x1f\x8b"),
              {200, "\x1f\x8b"}},
             {"closed without a word", test::saying({}), none},
+            {"closed in the head", test::saying(okHead.chopped(2)), none},
+            {"reset", [](QTcpSocket &client) { client.abort(); }, none},
+            {"an interim answer is none",
+             test::saying("HTTP/1.1 103 Hints\r\n\r\n" + okWithBody("{}")), none},
+            {"too long a head",
+             test::saying(okHead + "X: " + QByteArray(70'000, 'x') + "\r\n\r\n{}"), none},
             {"truncated", test::saying(okHead + "Content-Length: 9\r\n\r\n{}"), none},
+            {"truncated in a chunk",
+             test::saying(okHead + "Transfer-Encoding: chunked\r\n\r\n5\r\n{}"), none},
             {"truncated error", test::saying(failed("500 Oh").chopped(1)), none},
             {"not HTTP", test::saying("220 mail.example ESMTP\r\n\r\n"), none},
             {"endless head", test::flooding("HTTP/1.1 200 OK\r\n", "X-Padding: of no use\r\n"),
@@ -84,6 +94,7 @@ private Q_SLOTS:
         const HttpReply reply = ask(http, {.url = server.url(), .timeout = row.timeout});
         QCOMPARE(reply.status, row.reply.status);
         QVERIFY(reply.body == row.reply.body);
+        QCOMPARE(server.requests.size(), 1); // Qt would ask again after some of them.
     }
 
     void theTimeoutIsForTheWholeExchange()
@@ -124,8 +135,8 @@ private Q_SLOTS:
         QCOMPARE(server.requests.size(), 2);
         for (const QByteArray &head : std::as_const(server.requests)) {
             QVERIFY(head.startsWith("GET / HTTP/1.1\r\n"));
-            QVERIFY(head.contains("\r\nAuthorization: Bearer t\r\n"));
-            QVERIFY(!head.contains("Cookie"));
+            QVERIFY(head.toLower().contains("\r\nauthorization: bearer t\r\n"));
+            QVERIFY(!head.toLower().contains("cookie"));
         }
     }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/ProcessRunner.h"
-#include "platform/qt/Wakeup.h"
+#include "platform/Wakeup.h"
 
 #include <QProcess>
 #include <QTimer>

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "platform/HttpClient.h"
+#include "platform/Wakeup.h"
 
 #include <QNetworkAccessManager>
+#include <QSet>
 
 namespace tallyglass {
 
@@ -14,7 +16,7 @@ public:
     QtHttpClient() = default;
     QtHttpClient(const QtHttpClient &) = delete;
     QtHttpClient &operator=(const QtHttpClient &) = delete;
-    /// Ends what is still under way, as if the connection had broken.
+    /// Those who wait for an answer go on without, inside this call.
     ~QtHttpClient() override;
 
     /// An answer that comes too late counts as none, and so does one that breaks off, except
@@ -23,6 +25,7 @@ public:
 
 private:
     QNetworkAccessManager m_manager;
+    QSet<Wakeup *> m_waiting;
 };
 
 } // namespace tallyglass

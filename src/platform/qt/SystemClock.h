@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Clock.h"
-#include "platform/qt/Wakeup.h"
+#include "platform/Wakeup.h"
 
 #include <QSet>
 
