@@ -13,6 +13,7 @@ struct ProcessJob
     QString program; ///< full path
     QStringList arguments;
     QString workingFolder;
+    QStringList searchPath; ///< the folders of its PATH; when there are none, ours
     std::chrono::milliseconds deadline; ///< from launch; whatever runs then is terminated
 
     bool operator==(const ProcessJob &) const = default;

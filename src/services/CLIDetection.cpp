@@ -85,6 +85,8 @@ QStringList searchPathDirectories(const Host &host)
     const QString fixedPath =
         QStringLiteral("/opt/homebrew/bin:/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin");
     QStringList folders = host.searchPath + fixedPath.split(u':');
+    // A relative one depends on where we were started, which may be anybody's folder.
+    folders.removeIf([](const QString &folder) { return QDir::isRelativePath(folder); });
     folders.removeDuplicates();
     return folders;
 }

@@ -31,7 +31,8 @@ std::vector<CLIInstallStatus> detectAll(const Host &host);
 std::optional<QString> resolveExecutable(const Host &host, const QString &name,
                                          const QStringList &candidates);
 
-/// The folders of PATH, and then those where a desktop session's shorter PATH does not look.
+/// The absolute folders of PATH, and then those where a desktop session's shorter PATH does not
+/// look.
 QStringList searchPathDirectories(const Host &host);
 
 /// Where each installed version of Node keeps executables of that name.

@@ -62,6 +62,7 @@ private Q_SLOTS:
         test::table<RunRow>({
             {"success", "exit 0", 30s, true, 0},
             {"failure", "exit 3", 30s, false, 0},
+            {"finds what lies in its path", "tool", 30s, true, 0},
             {"waits for no input", "cat", 30s, true, 0},
             {"is not held up by its own flood",
              "head -c 9000000 /dev/zero; cat /dev/zero >&2 & :", 30s, true, 0},
@@ -82,6 +83,8 @@ private Q_SLOTS:
     {
         const auto row = test::currentRow<RunRow>();
         const test::TemporaryHome folder;
+        QFile::setPermissions(folder.write(QStringLiteral("bin/tool"), "#!/bin/sh\n"),
+                              QFile::ReadOwner | QFile::ExeOwner);
         ProcessGroupRunner runner;
         ProcessJob job = shell(row.script, folder);
         job.deadline = row.deadline;
@@ -94,13 +97,16 @@ private Q_SLOTS:
 
     void whatCannotBeStartedFailsAtOnce()
     {
+        const test::TemporaryHome folder;
         ProcessGroupRunner runner;
         for (const char *program : {"/nowhere/tool", "/etc/passwd", ""}) {
-            QVERIFY(!QCoro::waitFor(runner.run({.program = QString::fromLatin1(program),
-                                                .arguments = {},
-                                                .workingFolder = QStringLiteral("/"),
-                                                .deadline = 90s})));
+            ProcessJob job = shell("", folder);
+            job.program = QString::fromLatin1(program);
+            QVERIFY(!QCoro::waitFor(runner.run(std::move(job))));
         }
+        ProcessJob job = shell("exit 0", folder);
+        job.workingFolder = QStringLiteral("/nowhere");
+        QVERIFY(!QCoro::waitFor(runner.run(std::move(job))));
     }
 
     void itsEndKillsWhatRuns()
@@ -124,6 +130,8 @@ private:
         return {.program = QStringLiteral("/bin/sh"),
                 .arguments = {QStringLiteral("-c"), QString::fromUtf8(script)},
                 .workingFolder = folder.path(),
+                .searchPath = {folder.path(QStringLiteral("bin")), QStringLiteral("/usr/bin"),
+                               QStringLiteral("/bin")},
                 .deadline = 30s};
     }
 };

@@ -46,6 +46,7 @@ private Q_SLOTS:
             {"nvm", ".nvm/versions/node/v22/bin/claude", "", ".nvm/versions/node/v22/bin/claude"},
             {"fnm keeps them deeper", ".fnm/node-versions/v22/installation/bin/claude",
              ".fnm/node-versions/v22/bin/claude", ".fnm/node-versions/v22/installation/bin/claude"},
+            {"a relative folder of PATH is not searched", "here/claude", "", nullptr},
             {"a folder of that name is none", ".local/bin/claude/x", "", nullptr},
         });
     }
@@ -53,13 +54,15 @@ private Q_SLOTS:
     {
         const auto row = test::currentRow<PlaceRow>();
         const test::TemporaryHome home;
+        QDir(home.path()).mkdir(QStringLiteral("here"));
         for (const QString &path : pathsIn(row.executables))
             QFile::setPermissions(home.write(path), QFile::ReadOwner | QFile::ExeOwner);
         for (const QString &path : pathsIn(row.plainFiles))
             home.write(path);
 
+        QDir::setCurrent(home.path(QStringLiteral("here")));
         const Host host{.homeFolder = home.path(),
-                        .searchPath = {home.path(QStringLiteral("bin"))}};
+                        .searchPath = {QStringLiteral("."), home.path(QStringLiteral("bin"))}};
         const auto statuses = detectAll(host);
         QCOMPARE(statuses.size(), allProviders.size());
         const CLIInstallStatus &claude = statuses[1];

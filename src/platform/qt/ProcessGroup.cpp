@@ -19,6 +19,11 @@ ProcessGroup::ProcessGroup(const ProcessJob &job, const std::function<void()> &p
     m_leader.setProgram(job.program);
     m_leader.setArguments(job.arguments);
     m_leader.setWorkingDirectory(job.workingFolder);
+    if (!job.searchPath.isEmpty()) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("PATH"), job.searchPath.join(u':'));
+        m_leader.setProcessEnvironment(environment);
+    }
     m_leader.setStandardInputFile(QProcess::nullDevice());
     m_leader.setStandardOutputFile(QProcess::nullDevice());
     m_leader.setStandardErrorFile(QProcess::nullDevice());
