@@ -1,13 +1,15 @@
 #include "app/SingleInstance.h"
 
-#include <QCryptographicHash>
+#include "platform/Folders.h"
+#include "platform/Host.h"
+
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QLocalSocket>
 #include <QThread>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -27,44 +29,15 @@ constexpr unsigned long pauseBetweenTries = 10; // milliseconds
 const QByteArray wish = "show\n";
 const QByteArray answerToWish = "heard\n";
 
-/// Whether nobody else can put anything into a folder.
-bool isPrivate(const QString &folder)
-{
-    struct stat status{};
-    return QDir::isAbsolutePath(folder)
-        && lstat(QFile::encodeName(folder).constData(), &status) == 0 && S_ISDIR(status.st_mode)
-        && status.st_uid == geteuid() && (status.st_mode & (S_IRWXG | S_IRWXO)) == 0;
-}
-
-/// A folder of this user alone that a restart of the machine empties; empty when there is none.
-QString runtimeFolder()
-{
-    // A program run for another user may inherit the variable, hence the look at the owner.
-    QString given = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (isPrivate(given))
-        return given;
-    QString made = QDir::tempPath() + QStringLiteral("/tallyglass-%1").arg(geteuid());
-    mkdir(QFile::encodeName(made).constData(), S_IRWXU);
-    return isPrivate(made) ? made : QString();
-}
-
-/// Short, for the path of a socket may have no more than about a hundred characters.
-QString keyOf(const QString &homeFolder)
-{
-    const QString canonical = QFileInfo(homeFolder).canonicalFilePath();
-    const QByteArray path = (canonical.isEmpty() ? homeFolder : canonical).toUtf8();
-    return QString::fromLatin1(
-        QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().first(16));
-}
+// The path of a socket may have fewer than 104 bytes on one of the systems.
+constexpr qsizetype longestSocketPath = 103;
 
 } // namespace
 
 SingleInstance::SingleInstance(const QString &homeFolder, QObject *parent)
     : QObject(parent)
+    , m_folder(homeFolder + u'/' + QLatin1String(ownFolder))
 {
-    const QString folder = runtimeFolder();
-    if (!folder.isEmpty())
-        m_path = folder + QStringLiteral("/tallyglass-") + keyOf(homeFolder);
 }
 
 SingleInstance::~SingleInstance()
@@ -76,10 +49,11 @@ SingleInstance::~SingleInstance()
 
 bool SingleInstance::claim()
 {
-    const QByteArray lockPath = QFile::encodeName(m_path + QStringLiteral(".lock"));
-    if (!m_path.isEmpty())
-        m_lock = open(lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW,
+    const QByteArray lockPath = QFile::encodeName(m_folder + QStringLiteral("/instance.lock"));
+    if (makePrivateFolder(m_folder)) {
+        m_lock = open(lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK,
                       S_IRUSR | S_IWUSR);
+    }
     if (m_lock < 0)
         return true;
 
@@ -104,8 +78,6 @@ bool SingleInstance::isHeard() const
 
 void SingleInstance::listen()
 {
-    const QString path = m_path + QStringLiteral(".socket");
-    QLocalServer::removeServer(path); // of one that crashed; the lock is ours, so nobody listens
     connect(&m_server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *client = m_server.nextPendingConnection()) {
             connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
@@ -114,7 +86,24 @@ void SingleInstance::listen()
         }
     });
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    m_server.listen(path);
+    if (listenIn(m_folder))
+        return;
+    m_otherFolder.emplace(QDir::tempPath() + QStringLiteral("/tallyglass-XXXXXX"));
+    if (m_otherFolder->isValid())
+        listenIn(m_otherFolder->path());
+}
+
+/// False where the path is too long for a socket, or the disk takes none.
+bool SingleInstance::listenIn(const QString &folder)
+{
+    const QString path = folder + QStringLiteral("/instance.socket");
+    const QByteArray encoded = QFile::encodeName(path);
+    if (encoded.size() > longestSocketPath)
+        return false;
+    QLocalServer::removeServer(path); // of one that crashed; the lock is ours, so nobody listens
+    const auto size = static_cast<std::size_t>(encoded.size());
+    return m_server.listen(path) && ftruncate(m_lock, 0) == 0
+        && pwrite(m_lock, encoded.constData(), size, 0) == encoded.size();
 }
 
 void SingleInstance::answer(QLocalSocket &client)
@@ -132,8 +121,11 @@ void SingleInstance::answer(QLocalSocket &client)
 bool SingleInstance::askToShow(const QDeadlineTimer &patience) const
 {
     const auto timeLeft = [&patience] { return static_cast<int>(patience.remainingTime()); };
+    QByteArray path(longestSocketPath, '\0');
+    const auto size = static_cast<std::size_t>(path.size());
+    path.truncate(std::max(pread(m_lock, path.data(), size, 0), ssize_t{0}));
     QLocalSocket first;
-    first.connectToServer(m_path + QStringLiteral(".socket"));
+    first.connectToServer(QFile::decodeName(path));
     if (!first.waitForConnected(timeLeft()))
         return false;
     first.write(wish);

@@ -3,6 +3,9 @@
 #include <QLocalServer>
 #include <QObject>
 #include <QString>
+#include <QTemporaryDir>
+
+#include <optional>
 
 class QDeadlineTimer;
 
@@ -10,8 +13,9 @@ namespace tallyglass {
 
 /// Sees to it that a user runs the program once for a home folder.
 ///
-/// A lock tells who is first: the system lets go of it however its holder ends, so there is no
-/// stale one to recover. A socket beside it carries the second one's wish to see the first.
+/// A lock among the program's own files tells who is first: the system lets go of it however its
+/// holder ends, so there is no stale one to recover. In it stands where the first one listens for
+/// the second one's wish to see it.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -32,13 +36,14 @@ Q_SIGNALS:
 
 private:
     void listen();
+    bool listenIn(const QString &folder);
     void answer(QLocalSocket &client);
     bool askToShow(const QDeadlineTimer &patience) const;
 
-    QString
-        m_path; ///< of lock and socket, without their endings; empty: there is no folder for them
+    QString m_folder; ///< of the lock, and of the socket if the system can reach it there
     int m_lock = -1; ///< file descriptor, held as long as we are the first
     bool m_isHeard = false;
+    std::optional<QTemporaryDir> m_otherFolder; ///< of the socket, if not m_folder
     QLocalServer m_server;
 };
 
