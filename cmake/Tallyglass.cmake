@@ -30,7 +30,7 @@ function(tg_library name)
     target_link_libraries(tg_${name} PUBLIC tg_common ${ARG_LINK})
 endfunction()
 
-# tg_test(model/FormattingTest LINK tg_model)  ->  ctest "model/FormattingTest"
+# tg_test(model/TextsTest LINK tg_model)  ->  ctest "model/TextsTest"
 function(tg_test path)
     cmake_parse_arguments(ARG "" "" "LINK" ${ARGN})
     string(REPLACE "/" "_" target ${path})
