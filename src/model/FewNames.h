@@ -13,6 +13,7 @@ struct FewNames
 
     constexpr auto begin() const { return names.begin(); }
     constexpr auto end() const { return std::ranges::find(names, std::string_view()); }
+    constexpr bool isEmpty() const { return begin() == end(); }
     constexpr bool contains(std::string_view name) const
     {
         return std::find(begin(), end(), name) != end();

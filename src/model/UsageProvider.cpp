@@ -70,9 +70,9 @@ static_assert(std::ranges::all_of(table,
                                   [](const ProviderFacts &facts) {
                                       return facts.rawValue && facts.displayName.key
                                           && facts.shortName.key && facts.installHint.key
+                                          && facts.tint.red + facts.tint.green + facts.tint.blue > 0
                                           && facts.mark && facts.executable && facts.dataFolder
-                                          && facts.hints.begin() != facts.hints.end()
-                                          && facts.logFolders.begin() != facts.logFolders.end();
+                                          && !facts.hints.isEmpty() && !facts.logFolders.isEmpty();
                                   }),
               "a tool lacks its row, or the row a fact");
 

@@ -61,8 +61,11 @@ constexpr std::array<WindowFacts, allWindowKinds.size()> table{{
 static_assert(std::ranges::all_of(table,
                                   [](const WindowFacts &facts) {
                                       const bool isLimited = facts.limitMinutes.has_value();
+                                      const bool isNamed = !facts.logNames.isEmpty()
+                                          || !facts.partsOfLogNames.isEmpty();
                                       return facts.rawValue && facts.shortLabel.key
-                                          && facts.builtInBudget > 0
+                                          && facts.span != WindowSpan{} && facts.builtInBudget > 0
+                                          && isNamed == isLimited
                                           && (facts.limitLabel.key != nullptr) == isLimited
                                           && (facts.logNameTurn > 0) == isLimited
                                           && (isLimited || facts.span != WindowSpan::Rolling);

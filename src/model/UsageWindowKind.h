@@ -30,7 +30,7 @@ inline constexpr auto allWindowKinds = [] {
 
 /// Where a window lies.
 enum class WindowSpan : std::uint8_t {
-    Rolling, ///< ends now and is as long as its limits
+    Rolling = 1, ///< ends now and is as long as its limits
     CalendarHour,
     CalendarDay,
     CalendarMonth,
@@ -42,7 +42,7 @@ struct WindowFacts
     const char *rawValue = nullptr; ///< its name in files, settings and on the command line
     DisplayText shortLabel;
     DisplayText limitLabel; ///< of a reported limit as long as the window
-    WindowSpan span = WindowSpan::Rolling;
+    WindowSpan span{};
     std::optional<std::int64_t> limitMinutes; ///< length of its limits; absent: none is matched
     std::int64_t builtInBudget = 0; ///< tokens
 
