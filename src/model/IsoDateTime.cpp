@@ -1,7 +1,6 @@
 #include "model/IsoDateTime.h"
 
 #include <algorithm>
-#include <charconv>
 
 namespace tallyglass {
 
@@ -28,7 +27,8 @@ bool beginsLike(std::string_view text, std::string_view pattern)
 int number(std::string_view text, std::size_t from, std::size_t digits)
 {
     int value = 0;
-    std::from_chars(text.data() + from, text.data() + from + digits, value);
+    for (const char digit : text.substr(from, digits))
+        value = value * 10 + (digit - '0');
     return value;
 }
 
