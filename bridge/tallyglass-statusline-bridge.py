@@ -441,13 +441,16 @@ class Settings:
         self.target = os.path.realpath(self.path)  # a link stays a link
         self.attributes: os.stat_result | None = None
         self.original = b""
+        self.mark = b""  # some editors' byte order mark, which stays
         self.text = "{}\n"
         try:
             self.original = read_file(self.target)
             self.attributes = os.stat(self.target)
         except FileNotFoundError:
             pass
-        else:
+        if self.original.startswith(b"\xef\xbb\xbf"):
+            self.mark = self.original[:3]
+        if self.original[len(self.mark) :].strip():  # a blank file counts as none
             self.text = self._checked_text()
         self.start = self.text.index("{")
         self.members = members_of(self.text, self.start)
@@ -464,7 +467,7 @@ class Settings:
             raise ValueError("%s is not JSON" % constant)
 
         try:
-            text = self.original.decode()
+            text = self.original[len(self.mark) :].decode()
             value = json.loads(text, parse_int=str, parse_float=str, parse_constant=refuse)
         except (ValueError, RecursionError) as error:
             raise Refusal("it is not valid JSON (%s)" % error)
@@ -534,7 +537,7 @@ class Settings:
         os.makedirs(os.path.dirname(self.target), mode=0o700, exist_ok=True)
         # Not ".json": the application reads every such file in Claude Code's folder.
         temporary = "%s.tallyglass-%d" % (self.target, os.getpid())
-        write_new_file(temporary, text.encode(), self.attributes)
+        write_new_file(temporary, self.mark + text.encode(), self.attributes)
         try:
             backup = self._back_up() if self.attributes else ""
             os.replace(temporary, self.target)
