@@ -8,7 +8,6 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 
 #include <algorithm>
 #include <array>
@@ -20,34 +19,19 @@ using namespace std::chrono_literals;
 
 namespace {
 
-qint64 unixSeconds(Instant instant)
+QString unixSeconds(Instant instant)
 {
-    return std::chrono::floor<std::chrono::seconds>(instant).time_since_epoch().count();
+    return QString::number(instant.time_since_epoch() / 1s);
 }
 
-qint64 minutesOf(UsageWindowKind window)
+/// Writes a file, in folders that it makes.
+void write(const QString &path, const QString &text)
 {
-    return factsOf(window).limitMinutes.value_or(0);
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly))
+        file.write(text.toUtf8());
 }
-
-class LinesFile
-{
-public:
-    explicit LinesFile(const QString &path)
-        : m_file(path)
-    {
-        QDir().mkpath(QFileInfo(path).path());
-        m_file.open(QIODevice::WriteOnly);
-    }
-
-    void append(const QJsonObject &record)
-    {
-        m_file.write(QJsonDocument(record).toJson(QJsonDocument::Compact) + '\n');
-    }
-
-private:
-    QFile m_file;
-};
 
 /// One stretch of work: how long ago, and how much of it.
 struct WorkingHour
@@ -69,88 +53,79 @@ std::vector<WorkingHour> workingHours()
     return hours;
 }
 
-void writeClaudeTranscript(const QString &home, Instant now)
+QString claudeTranscript(Instant now)
 {
     constexpr std::array models{"claude-opus-4-5", "claude-sonnet-4-5", "claude-haiku-4-5"};
-    LinesFile file(home + QStringLiteral("/.claude/projects/-home-demo-webshop/session.jsonl"));
+    QString lines;
     std::size_t next = 0;
     for (const auto &[ago, amount] : workingHours()) {
         const QString model = QString::fromLatin1(models[next++ * 2 / 3 % models.size()]);
-        const QJsonObject usage{{QStringLiteral("input_tokens"), amount * 16},
-                                {QStringLiteral("output_tokens"), amount * 60},
-                                {QStringLiteral("cache_creation_input_tokens"), amount * 90},
-                                {QStringLiteral("cache_read_input_tokens"), amount * 700}};
-        file.append(
-            {{QStringLiteral("type"), QStringLiteral("assistant")},
-             {QStringLiteral("timestamp"), formatIsoDateTime(now - ago)},
-             {QStringLiteral("message"),
-              QJsonObject{{QStringLiteral("model"), model}, {QStringLiteral("usage"), usage}}}});
+        lines +=
+            QStringLiteral(R"({"type":"assistant","timestamp":"%1","message":{"model":"%2",)"
+                           R"("usage":{"input_tokens":%3,"output_tokens":%4,)"
+                           R"("cache_creation_input_tokens":%5,"cache_read_input_tokens":%6}}})"
+                           "\n")
+                .arg(formatIsoDateTime(now - ago), model)
+                .arg(amount * 16)
+                .arg(amount * 60)
+                .arg(amount * 90)
+                .arg(amount * 700);
     }
+    return lines;
 }
 
-QJsonObject codexLimit(double usedPercent, UsageWindowKind window, Instant resetDate)
+/// Codex names the model in other lines than the tokens.
+QString codexRollout(Instant now)
 {
-    return {{QStringLiteral("used_percent"), usedPercent},
-            {QStringLiteral("window_minutes"), minutesOf(window)},
-            {QStringLiteral("resets_at"), unixSeconds(resetDate)}};
-}
-
-void writeCodexRollout(const QString &home, Instant now)
-{
-    const QJsonObject limits{
-        {QStringLiteral("primary"), codexLimit(64, UsageWindowKind::FiveHours, now + 107min)},
-        {QStringLiteral("secondary"),
-         codexLimit(38, UsageWindowKind::Week, now + 3 * 24h + 290min)},
-        {QStringLiteral("plan_type"), QStringLiteral("plus")}};
-    LinesFile file(home + QStringLiteral("/.codex/sessions/rollout-demo.jsonl"));
+    QString lines;
     for (const auto &[ago, amount] : workingHours()) {
-        const QJsonObject usage{{QStringLiteral("input_tokens"), amount * 640},
-                                {QStringLiteral("output_tokens"), amount * 50},
-                                {QStringLiteral("total_tokens"), amount * 690}};
-        const QJsonObject payload{
-            {QStringLiteral("type"), QStringLiteral("token_count")},
-            {QStringLiteral("model"), QStringLiteral("gpt-5.1-codex")},
-            {QStringLiteral("info"), QJsonObject{{QStringLiteral("last_token_usage"), usage}}},
-            {QStringLiteral("rate_limits"), limits}};
-        file.append({{QStringLiteral("timestamp"), formatIsoDateTime(now - ago)},
-                     {QStringLiteral("type"), QStringLiteral("event_msg")},
-                     {QStringLiteral("payload"), payload}});
+        lines +=
+            QStringLiteral(R"({"timestamp":"%1","type":"event_msg","payload":{)"
+                           R"("type":"token_count","info":{"last_token_usage":{)"
+                           R"("input_tokens":%2,"output_tokens":%3,"total_tokens":%4}},)"
+                           R"("rate_limits":{"plan_type":"plus",)"
+                           R"("primary":{"used_percent":64.0,"window_minutes":300,"resets_at":%5},)"
+                           R"("secondary":{"used_percent":38.0,"window_minutes":10080,)"
+                           R"("resets_at":%6}}}})"
+                           "\n")
+                .arg(formatIsoDateTime(now - ago))
+                .arg(amount * 640)
+                .arg(amount * 50)
+                .arg(amount * 690)
+                .arg(unixSeconds(now + 107min), unixSeconds(now + 3 * 24h + 290min));
     }
+    return lines;
+}
+
+QString copilotSession(Instant end, const QString &model, int amount)
+{
+    return QStringLiteral(R"({"type":"session.shutdown","timestamp":"%1","data":{"modelMetrics":{)"
+                          R"("%2":{"usage":{"inputTokens":%3,"outputTokens":%4}}}}})"
+                          "\n")
+        .arg(formatIsoDateTime(end), model)
+        .arg(amount * 310)
+        .arg(amount * 35);
 }
 
 void writeCopilotSessions(const QString &home, Instant now)
 {
     int session = 0;
     for (const auto &[ago, amount] : workingHours()) {
-        LinesFile file(
-            home + QStringLiteral("/.copilot/session-state/demo-%1/events.jsonl").arg(++session));
-        const QJsonObject usage{{QStringLiteral("inputTokens"), amount * 310},
-                                {QStringLiteral("outputTokens"), amount * 35}};
-        const QJsonObject metrics{
-            {session % 3 == 0 ? QStringLiteral("claude-haiku-4.5") : QStringLiteral("gpt-5-mini"),
-             QJsonObject{{QStringLiteral("usage"), usage}}}};
-        file.append(
-            {{QStringLiteral("type"), QStringLiteral("session.shutdown")},
-             {QStringLiteral("timestamp"), formatIsoDateTime(now - ago)},
-             {QStringLiteral("data"), QJsonObject{{QStringLiteral("modelMetrics"), metrics}}}});
+        const QString model =
+            ++session % 3 == 0 ? QStringLiteral("claude-haiku-4.5") : QStringLiteral("gpt-5-mini");
+        write(home + QStringLiteral("/.copilot/session-state/demo-%1/events.jsonl").arg(session),
+              copilotSession(now - ago, model, amount));
     }
 }
 
-void writeStatuslineLimits(const QString &home, Instant now)
+QString statuslineLimits(Instant now)
 {
-    const auto limit = [](double percentage, UsageWindowKind window, Instant resetDate) {
-        return QJsonObject{{QStringLiteral("used_percentage"), percentage},
-                           {QStringLiteral("window_minutes"), minutesOf(window)},
-                           {QStringLiteral("resets_at"), unixSeconds(resetDate)}};
-    };
-    LinesFile file(QStringLiteral("%1/%2/%3")
-                       .arg(home, QLatin1String(ownFolder), QLatin1String(statuslineFile)));
-    file.append({{QStringLiteral("timestamp"), unixSeconds(now - 2min)},
-                 {QStringLiteral("rate_limits"),
-                  QJsonObject{{QStringLiteral("five_hour"),
-                               limit(83, UsageWindowKind::FiveHours, now + 48min)},
-                              {QStringLiteral("seven_day"),
-                               limit(57, UsageWindowKind::Week, now + 4 * 24h + 130min)}}}});
+    return QStringLiteral(
+               R"({"timestamp":%1,"rate_limits":{)"
+               R"("five_hour":{"used_percentage":83,"window_minutes":300,"resets_at":%2},)"
+               R"("seven_day":{"used_percentage":57,"window_minutes":10080,"resets_at":%3}}})")
+        .arg(unixSeconds(now - 2min), unixSeconds(now + 48min),
+             unixSeconds(now + 4 * 24h + 130min));
 }
 
 /// A limit that fills evenly and starts anew, at a moment so many minutes ago. \a share is what is
@@ -166,7 +141,7 @@ double demoShare(std::chrono::minutes ago, std::chrono::minutes toReset,
 }
 
 /// A week of samples, and nights without the program.
-void writeHistory(const QString &home, Instant now)
+QString history(Instant now)
 {
     constexpr std::chrono::minutes week = 7 * 24h;
     std::vector<UsageHistorySample> samples;
@@ -187,38 +162,17 @@ void writeHistory(const QString &home, Instant now)
         append(UsageProvider::Copilot, demoShare(ago, 150min, 5h, 0.09),
                demoShare(ago, 2 * 24h, week, 0.07));
     }
-    const QString folder = home + u'/' + QLatin1String(ownFolder);
-    QDir().mkpath(folder);
-    QFile file(folder + QStringLiteral("/usage_history.json"));
-    file.open(QIODevice::WriteOnly);
-    file.write(QJsonDocument(toJson(samples)).toJson(QJsonDocument::Compact));
+    return QString::fromUtf8(QJsonDocument(toJson(samples)).toJson(QJsonDocument::Compact));
 }
 
 /// Stand-ins, which are looked for but do nothing when they are run.
 void writeTools(const QString &home)
 {
-    const QString folder = home + QStringLiteral("/.local/bin");
-    QDir().mkpath(folder);
-    for (const UsageProvider provider : allProviders) {
-        QFile file(folder + u'/' + QLatin1String(factsOf(provider).executable));
-        file.open(QIODevice::WriteOnly);
-        file.write("#!/bin/sh\n");
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    for (const char *name : {"claude", "codex", "copilot"}) {
+        const QString path = home + QStringLiteral("/.local/bin/") + QString::fromLatin1(name);
+        write(path, QStringLiteral("#!/bin/sh\n"));
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
-}
-
-/// As of somebody who is logged in and uses the bridge. The token opens nothing.
-void writeClaudeSettings(const QString &home, Instant now)
-{
-    const QJsonObject login{{QStringLiteral("accessToken"), QStringLiteral("demo")},
-                            {QStringLiteral("expiresAt"), unixSeconds(now + 24h)}};
-    LinesFile(home + QStringLiteral("/.claude/.credentials.json"))
-        .append({{QStringLiteral("claudeAiOauth"), login}});
-    const QJsonObject statusLine{
-        {QStringLiteral("type"), QStringLiteral("command")},
-        {QStringLiteral("command"), QStringLiteral("tallyglass-statusline-bridge.py")}};
-    LinesFile(home + QStringLiteral("/.claude/settings.json"))
-        .append({{QStringLiteral("statusLine"), statusLine}});
 }
 
 } // namespace
@@ -226,13 +180,21 @@ void writeClaudeSettings(const QString &home, Instant now)
 DemoHome::DemoHome(Instant now)
     : m_folder(QDir::tempPath() + QStringLiteral("/tallyglass-demo-XXXXXX"))
 {
-    writeClaudeTranscript(path(), now);
-    writeCodexRollout(path(), now);
+    const QString data = path() + QStringLiteral("/Library/Application Support/Tallyglass");
+    write(path() + QStringLiteral("/.claude/projects/-home-ada-webshop/session.jsonl"),
+          claudeTranscript(now));
+    write(path() + QStringLiteral("/.codex/sessions/rollout-demo.jsonl"), codexRollout(now));
     writeCopilotSessions(path(), now);
-    writeStatuslineLimits(path(), now);
-    writeHistory(path(), now);
+    write(data + QStringLiteral("/statusline_rate_limits.json"), statuslineLimits(now));
+    write(data + QStringLiteral("/usage_history.json"), history(now));
     writeTools(path());
-    writeClaudeSettings(path(), now);
+    // As of somebody who is logged in and uses the bridge. The token opens nothing.
+    write(path() + QStringLiteral("/.claude/.credentials.json"),
+          QStringLiteral(R"({"claudeAiOauth":{"accessToken":"demo","expiresAt":%1}})")
+              .arg(unixSeconds(now + 24h)));
+    write(path() + QStringLiteral("/.claude/settings.json"),
+          QStringLiteral(R"({"statusLine":{"type":"command",)"
+                         R"("command":"tallyglass-statusline-bridge.py"}})"));
 }
 
 } // namespace tallyglass

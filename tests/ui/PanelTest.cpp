@@ -322,7 +322,7 @@ private Q_SLOTS:
                      qPrintable(names.join(QStringLiteral(", "))));
             before = place;
         }
-        for (const char *expected : {"使用量 64%", "リセットまで 48m", "設定", "gpt-5.1-codex 219K",
+        for (const char *expected : {"使用量 64%", "リセットまで 48m", "設定", "claude-haiku-4-5 110K",
                                      "使用履歴 Codex 63%, Claude 82%, Copilot 9%"})
             QVERIFY2(names.contains(QString::fromUtf8(expected)), expected);
     }
