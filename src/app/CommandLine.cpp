@@ -73,6 +73,8 @@ QString helpText()
 
 Command parseCommandLine(const QStringList &words)
 {
+    if (words.value(0) == QLatin1String("bridge"))
+        return command::Bridge{};
     const QList<Option> options = allOptions();
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringLiteral("version"));

@@ -34,6 +34,11 @@ struct Report
 
     bool operator==(const Report &) const = default;
 };
+/// The status line bridge's script, which reads the words behind this one itself.
+struct Bridge
+{
+    bool operator==(const Bridge &) const = default;
+};
 /// The words make no sense; \c message says why in one line.
 struct Misuse
 {
@@ -43,8 +48,8 @@ struct Misuse
 
 } // namespace command
 
-using Command =
-    std::variant<command::Help, command::Version, command::Start, command::Report, command::Misuse>;
+using Command = std::variant<command::Help, command::Version, command::Start, command::Report,
+                             command::Bridge, command::Misuse>;
 
 /// What "--help" prints.
 QString helpText();

@@ -1,5 +1,7 @@
 #include "app/Report.h"
 
+#include "app/Home.h"
+#include "app/Output.h"
 #include "app/ReportTable.h"
 #include "app/TerminalText.h"
 #include "model/DisplayTexts.h"
@@ -8,6 +10,7 @@
 
 #include <QTimeZone>
 
+#include <csignal>
 #include <cstdio>
 #include <future>
 #include <sys/ioctl.h>
@@ -21,15 +24,37 @@ namespace {
 
 TableStyle styleOfStandardOutput()
 {
-    if (!isatty(STDOUT_FILENO))
-        return {};
-    TableStyle style{.hasColours = qEnvironmentVariableIsEmpty("NO_COLOR")
-                         && qEnvironmentVariable("TERM") != QLatin1String("dumb")};
+    const bool isTerminal = isatty(STDOUT_FILENO);
+    const QByteArray terminal = qgetenv("TERM");
+    TableStyle style{.hasColours = isTerminal && qEnvironmentVariableIsEmpty("NO_COLOR")
+                         && !terminal.isEmpty() && terminal != "dumb"};
     winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+    if (const int columns = qEnvironmentVariableIntValue("COLUMNS"); columns > 0)
+        style.width = columns;
+    else if (isTerminal && ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         style.width = size.ws_col;
     return style;
 }
+
+/// While it lives, the signals that end the program wait.
+class HeldSignals
+{
+public:
+    HeldSignals()
+    {
+        sigset_t held;
+        sigemptyset(&held);
+        for (const int number : {SIGHUP, SIGINT, SIGTERM})
+            sigaddset(&held, number);
+        pthread_sigmask(SIG_BLOCK, &held, &m_before);
+    }
+    ~HeldSignals() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    HeldSignals(const HeldSignals &) = delete;
+    HeldSignals &operator=(const HeldSignals &) = delete;
+
+private:
+    sigset_t m_before{};
+};
 
 void showProgress(const CollectionProgress &progress)
 {
@@ -46,43 +71,50 @@ void clearProgress()
 }
 
 /// Takes the snapshot in a thread of its own; one that is long in coming shows how far it is.
-UsageSnapshot takeSnapshotShowingProgress(const Host &host, Instant now, const QTimeZone &zone)
+UsageSnapshot takeSnapshotShowingProgress(const QString &home, Instant now, const QTimeZone &zone)
 {
     CollectionProgress progress;
-    auto snapshot =
-        std::async(std::launch::async, [&] { return takeSnapshot(host, now, zone, progress); });
+    auto snapshot = std::async(std::launch::async, [&] {
+        return takeSnapshot(Host{.homeFolder = home}, now, zone, progress);
+    });
     if (isatty(STDERR_FILENO) && snapshot.wait_for(1s) == std::future_status::timeout) {
         do {
             showProgress(progress);
         } while (snapshot.wait_for(100ms) == std::future_status::timeout);
         clearProgress();
     }
+    snapshot.wait();
+    if (progress.bytesFound == 0)
+        complain(formatText("report.noLogs.format", {home}));
     return snapshot.get();
+}
+
+/// Made-up logs are in a folder that must be gone before anything is printed: a pipe that nobody
+/// reads ends the program at once.
+UsageSnapshot takeSnapshotOfHome(bool isDemo, Instant now, const QTimeZone &zone)
+{
+    std::optional<HeldSignals> untilItIsGone;
+    if (isDemo)
+        untilItIsGone.emplace();
+    const Home home(isDemo);
+    return takeSnapshotShowingProgress(home.path(), now, zone);
 }
 
 } // namespace
 
-int runReport(const command::Report &options, const Host &host, Instant now)
+int runReport(const command::Report &options, Instant now)
 {
     QTimeZone zone = QTimeZone::systemTimeZone();
     if (!zone.isValid())
         zone = QTimeZone::utc();
 
-    const UsageSnapshot snapshot = takeSnapshotShowingProgress(host, now, zone);
-    QByteArray output;
-    if (options.asJson) {
-        output = encodeSnapshot(snapshot);
-    } else {
-        std::vector<WindowUsageSummary> windows = snapshot.summaries;
-        if (options.window)
-            windows = {snapshot.summary(*options.window, now, zone)};
-        output = reportTable(windows, now, styleOfStandardOutput()).toUtf8();
-    }
-    // A full disk or a closed pipe shows in the first for long outputs, in the second for short
-    // ones.
-    const auto size = static_cast<std::size_t>(output.size());
-    const bool isWritten = std::fwrite(output.constData(), 1, size, stdout) == size;
-    return isWritten && std::fflush(stdout) == 0 ? 0 : 1;
+    const UsageSnapshot snapshot = takeSnapshotOfHome(options.inDemoHome, now, zone);
+    if (options.asJson)
+        return print(printableJson(encodeSnapshot(snapshot)));
+    std::vector<WindowUsageSummary> windows = snapshot.summaries;
+    if (options.window)
+        windows = {snapshot.summary(*options.window, now, zone)};
+    return print(reportTable(windows, now, styleOfStandardOutput()).toUtf8());
 }
 
 } // namespace tallyglass

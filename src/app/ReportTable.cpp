@@ -23,6 +23,7 @@ bool isFigure(std::size_t column)
 }
 
 const auto nothing = QStringLiteral("--");
+const auto gap = QStringLiteral("  ");
 
 QString limitText(const std::optional<RateLimitUsage> &limit)
 {
@@ -106,35 +107,56 @@ public:
             m_widths[column] = std::max(m_widths[column], displayWidth(cells[column]));
     }
 
+    /// Makes the columns narrower, or leaves them out, from the least telling one on, until a line
+    /// fits.
+    void fit()
+    {
+        constexpr int leastText = 8; // Less of a text tells nothing.
+        for (const Column column : {Models, Events, Limit, Name}) {
+            const int excess = lineWidth() - m_style.width;
+            if (excess <= 0)
+                return;
+            const int left = m_widths[column] - excess;
+            m_widths[column] = left < leastText && column != Name ? 0 : std::max(left, leastText);
+        }
+    }
+
     void title(const QString &text) { m_text += looking(text, Look::Bold) + u'\n'; }
 
     void row(const Cells &cells, Look figureLook, Look lineLook)
     {
         QString line;
-        int used = 0;
-        for (std::size_t column = 0; column < ColumnCount; ++column) {
-            QString cell = isFigure(column) ? paddedLeft(cells[column], m_widths[column])
-                                            : paddedRight(cells[column], m_widths[column]);
-            if (column == Models)
-                cell = cells[column]; // The last column: no blanks behind it.
+        int left = m_style.width;
+        for (std::size_t column = 0; column < ColumnCount && left > 0; ++column) {
+            const int width = m_widths[column];
+            if (width == 0)
+                continue;
+            QString cell = elided(cells[column], width);
+            if (isFigure(column))
+                cell = paddedLeft(cell, width);
+            else if (column != Models) // The last column: no blanks behind it.
+                cell = paddedRight(cell, width);
             if (column > 0 && !cell.isEmpty())
-                cell.prepend(QStringLiteral("  "));
-            const bool isCut = m_style.width && displayWidth(cell) > *m_style.width - used;
-            if (isCut)
-                cell = elided(cell, *m_style.width - used);
-            used += displayWidth(cell);
-            line += looking(cell, column == Used ? figureLook : lineLook);
-            if (isCut)
-                break; // A wide character may leave a column free; nothing goes there.
+                cell.prepend(gap);
+            const QString shown = elided(cell, left);
+            // A wide character that was cut off may leave a column free; nothing goes there.
+            left = shown == cell ? left - displayWidth(cell) : 0;
+            line += looking(shown, column == Used ? figureLook : lineLook);
         }
         m_text += line + u'\n';
     }
 
-    void blankLine() { m_text += u'\n'; }
-
     QString text() const { return m_text; }
 
 private:
+    int lineWidth() const
+    {
+        int width = m_widths[Name];
+        for (std::size_t column = Used; column < ColumnCount; ++column)
+            width += m_widths[column] > 0 ? m_widths[column] + displayWidth(gap) : 0;
+        return width;
+    }
+
     QString looking(const QString &text, Look look) const
     {
         if (!m_style.hasColours || look == Look::Plain || text.isEmpty())
@@ -158,6 +180,7 @@ QString reportTable(std::span<const WindowUsageSummary> windows, Instant now,
         for (const ProviderUsageSummary &provider : window.providers)
             table.measure(cells(provider, now));
     }
+    table.fit();
 
     table.row(headings(), Look::Faint, Look::Faint);
     for (const WindowUsageSummary &window : windows) {

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-#include <optional>
+#include <limits>
 #include <span>
 
 namespace tallyglass {
@@ -13,7 +13,7 @@ namespace tallyglass {
 struct TableStyle
 {
     bool hasColours = false;
-    std::optional<int> width; ///< columns of the terminal, to which lines are cut
+    int width = std::numeric_limits<int>::max(); ///< columns of the terminal, which lines keep to
 };
 
 /// The windows as a table for people, each with a line for every provider.

@@ -1,7 +1,5 @@
 #include "app/TerminalText.h"
 
-#include <QList>
-
 #include <algorithm>
 #include <array>
 
@@ -35,6 +33,33 @@ int characterWidth(char32_t character)
     return isWide ? 2 : 1;
 }
 
+bool isPrintable(char32_t character)
+{
+    switch (QChar::category(character)) {
+    case QChar::Other_Control:
+    case QChar::Other_Format: // direction marks, tags
+    case QChar::Other_Surrogate:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return false;
+    default:
+        return true;
+    }
+}
+
+/// Calls \a visit with each character and its one or two units in the text.
+template<typename Visit>
+void forEachCharacter(QStringView text, Visit visit)
+{
+    while (!text.isEmpty()) {
+        const bool isPair =
+            text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate();
+        visit(isPair ? QChar::surrogateToUcs4(text[0], text[1]) : text[0].unicode(),
+              text.first(isPair ? 2 : 1));
+        text = text.sliced(isPair ? 2 : 1);
+    }
+}
+
 QString blanks(int count)
 {
     return QStringLiteral(" ").repeated(std::max(count, 0));
@@ -45,20 +70,37 @@ QString blanks(int count)
 int displayWidth(QStringView text)
 {
     int width = 0;
-    for (const uint character : text.toUcs4())
-        width += characterWidth(character);
+    forEachCharacter(text,
+                     [&](char32_t character, QStringView) { width += characterWidth(character); });
     return width;
 }
 
-QString printable(const QString &text)
+QString printable(QStringView text)
 {
-    QString result = text;
-    for (QChar &character : result) {
-        if (character.category() == QChar::Other_Control
-            || character.category() == QChar::Other_Format)
-            character = QChar::ReplacementCharacter;
-    }
+    QString result;
+    forEachCharacter(text, [&](char32_t character, QStringView units) {
+        if (isPrintable(character))
+            result += units;
+        else
+            result += QChar::ReplacementCharacter;
+    });
     return result;
+}
+
+QByteArray printableJson(const QByteArray &json)
+{
+    QString result;
+    result.reserve(json.size());
+    forEachCharacter(QString::fromUtf8(json), [&](char32_t character, QStringView units) {
+        // Below, there are only the line feeds between members: JSON escapes all others itself.
+        if (character < 0x7f || isPrintable(character)) {
+            result += units;
+            return;
+        }
+        for (const QChar unit : units)
+            result += QStringLiteral("\\u%1").arg(unit.unicode(), 4, 16, QLatin1Char('0'));
+    });
+    return result.toUtf8();
 }
 
 QString paddedRight(const QString &text, int width)
@@ -77,16 +119,14 @@ QString elided(const QString &text, int width)
         return text;
     if (width < 1)
         return {};
-    QList<uint> kept;
+    QString kept;
     int used = 1; // the "…"
-    for (const uint character : text.toUcs4()) {
+    forEachCharacter(text, [&](char32_t character, QStringView units) {
         used += characterWidth(character);
-        if (used > width)
-            break;
-        kept.append(character);
-    }
-    return QString::fromUcs4(reinterpret_cast<const char32_t *>(kept.constData()), kept.size())
-        + u'…';
+        if (used <= width)
+            kept += units;
+    });
+    return kept + u'…';
 }
 
 } // namespace tallyglass

@@ -1,16 +1,19 @@
 #include "app/CommandLine.h"
 #include "app/Home.h"
 #include "app/Language.h"
+#include "app/Output.h"
 #include "app/Report.h"
 #include "model/DisplayTexts.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 
-#include <cstdio>
+#include <string>
 #include <unistd.h>
+#include <vector>
 
 using namespace tallyglass;
 
@@ -18,58 +21,62 @@ namespace {
 
 constexpr int misuseStatus = 2;
 
-void printLine(FILE *stream, const QString &text)
-{
-    std::fprintf(stream, "%s\n", text.toUtf8().constData());
-}
-
 int run(const command::Help &)
 {
-    printLine(stdout, helpText());
-    return 0;
+    return print(helpText().toUtf8() + '\n');
 }
 
 int run(const command::Version &)
 {
-    printLine(stdout, QStringLiteral("Tallyglass " TALLYGLASS_VERSION));
-    return 0;
+    return print("Tallyglass " TALLYGLASS_VERSION "\n");
 }
 
 int run(const command::Misuse &misuse)
 {
-    printLine(stderr, QStringLiteral("tallyglass: ") + misuse.message);
+    complain(misuse.message);
     return misuseStatus;
 }
 
 int run(const command::Report &report)
 {
-    const Home home(report.inDemoHome);
-    return runReport(report, Host{.homeFolder = home.path()}, currentInstant());
+    return runReport(report, currentInstant());
 }
 
-/// Becomes the application, a program of its own near this one: a report must not wait for the
-/// libraries of windows to load. Returns only when that is missing.
-int becomeApplication(char **argv)
+/// Becomes another program, whose path counts from this one's folder. Returns only when that fails.
+int become(const char *path, char **arguments)
 {
-    const QString program = QDir::cleanPath(QCoreApplication::applicationDirPath()
-                                            + QStringLiteral("/" TALLYGLASS_APPLICATION));
-    execv(QFile::encodeName(program).constData(), argv);
-    printLine(stderr,
-              QStringLiteral("tallyglass: ") + formatText("command.noProgram.format", {program}));
+    const QString program = QCoreApplication::applicationDirPath() + u'/' + QString::fromUtf8(path);
+    execv(QFile::encodeName(QFileInfo(program).canonicalFilePath()).constData(), arguments);
+    complain(formatText("command.noProgram.format", {QDir::cleanPath(program)}));
     return 1;
+}
+
+/// Hands on all that stands behind "bridge".
+int becomeBridge(int argc, char **argv)
+{
+    std::vector<char *> arguments(argv + 1, argv + argc);
+    std::string help = "--help";
+    if (arguments.size() == 1) // which would be the status line itself
+        arguments.push_back(help.data());
+    arguments.push_back(nullptr);
+    return become(TALLYGLASS_BRIDGE, arguments.data());
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
+    reserveStandardStreams();
     const QCoreApplication application(argc, argv);
     chooseLanguage(QLocale::system().uiLanguages());
     const Command command = parseCommandLine(QCoreApplication::arguments().mid(1));
     return std::visit(
         [&]<typename Chosen>(const Chosen &chosen) {
+            // A program of its own: a report must not wait for the libraries of windows to load.
             if constexpr (std::is_same_v<Chosen, command::Start>)
-                return becomeApplication(argv);
+                return become(TALLYGLASS_APPLICATION, argv);
+            else if constexpr (std::is_same_v<Chosen, command::Bridge>)
+                return becomeBridge(argc, argv);
             else
                 return run(chosen);
         },

@@ -90,6 +90,8 @@ constexpr auto table = std::to_array<DisplayText>({
      "Claude "
      "CodeのstatusLineブリッジが未設定です。設定画面の案内に従って有効化してください。"},
     {"report.progress.format", "ログを読み取り中… %@ / %@ MB"},
+    {"report.noLogs.format", "%@以下に、この1か月のログが見つかりません"},
+    {"command.cannotWrite.format", "出力を書き込めません: %@"},
     {"command.unknownWord.format", "不明な引数「%@」（使い方: tallyglass --help）"},
     {"command.unknownWindow.format", "不明な期間「%@」（%@のいずれか）"},
     {"command.noProgram.format", "%@がありません"},
@@ -103,6 +105,8 @@ AIコーディングCLI（%2$@）の使用量を表示します。
   report             ログを一度集計して表で表示します。ネットワークには接続せず、ファイルも書きません
     --window 期間    %1$@のいずれかだけを表示します
     --json           usage_snapshot.jsonと同じJSONを出力します
+  bridge             Claude Codeのステータスラインから上限を受け取るブリッジを管理します
+                     （--install、--uninstall、--status）
 
 オプション:
   --demo             実際のホームフォルダの代わりに、架空のログで動作します

@@ -41,7 +41,8 @@ inline constexpr auto textKeys = std::to_array<std::string_view>(
      "alerts.needsApproval", "alerts.threshold.format", "alerts.body", "budgets.section",
      "cli.claude.bridgeReady", "cli.claude.bridgeMissing",
      // Command line
-     "report.progress.format", "command.unknownWord.format", "command.unknownWindow.format",
+     "report.progress.format", "report.noLogs.format", "command.cannotWrite.format",
+     "command.unknownWord.format", "command.unknownWindow.format",
      "command.noProgram.format", "command.jsonIsWhole", "command.help"});
 
 /// One of the keys: a misspelt one does not compile.

@@ -47,6 +47,7 @@ private Q_SLOTS:
             {"JSON of the demo", "report --json --demo",
              Report{.asJson = true, .inDemoHome = true}},
             {"a value behind an equals sign", "report --window=week", Report{.window = Week}},
+            {"the bridge reads what is its own", "bridge --help", Bridge{}},
             {"the demo may come first", "--demo report", Report{.inDemoHome = true}},
         });
     }

@@ -29,14 +29,11 @@ QProcessEnvironment environmentOf(const test::TemporaryHome &home)
 }
 
 /// Runs the program as a user does, in a home and a temporary folder of its own.
-Outcome run(const QStringList &words, const test::TemporaryHome &home,
-            const QString &outputFile = {})
+Outcome run(const QStringList &words, const test::TemporaryHome &home)
 {
     QProcess program;
     program.setProcessEnvironment(environmentOf(home));
     QDir(home.path()).mkdir(QStringLiteral("tmp"));
-    if (!outputFile.isEmpty())
-        program.setStandardOutputFile(outputFile);
     program.start(QStringLiteral(TG_PROGRAM), words);
     const bool hasEnded = program.waitForFinished() && program.exitStatus() == QProcess::NormalExit;
     return {.status = hasEnded ? program.exitCode() : -1,
@@ -96,10 +93,14 @@ private Q_SLOTS:
                                           "usage_snapshot.json")));
     }
 
+    /// Nor does it find anything, and says so.
     void reportWritesNothing()
     {
         const test::TemporaryHome home;
-        QCOMPARE(run({QStringLiteral("report")}, home).status, 0);
+        const Outcome outcome = run({QStringLiteral("report")}, home);
+        QCOMPARE(outcome.status, 0);
+        QVERIFY(outcome.errors.contains(home.path().toUtf8()));
+        QCOMPARE(outcome.errors.count('\n'), 1);
         QCOMPARE(
             QDir(home.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
             QStringList{QStringLiteral("tmp")});
@@ -117,6 +118,57 @@ private Q_SLOTS:
         for (const auto &provider : window.providers) // Codex's logs name no model
             QCOMPARE(provider.models.empty(), provider.provider == UsageProvider::Codex);
         QVERIFY(QDir(home.path(QStringLiteral("tmp"))).isEmpty());
+
+        QProcess program;
+        program.setProcessEnvironment(environmentOf(home));
+        program.start(QStringLiteral(TG_PROGRAM),
+                      jsonReport + QStringList{QStringLiteral("--demo")});
+        while (QDir(home.path(QStringLiteral("tmp"))).isEmpty()
+               && program.state() != QProcess::NotRunning)
+            QCoreApplication::processEvents();
+        program.terminate();
+        QVERIFY(program.waitForFinished());
+        QCOMPARE(program.readAllStandardOutput(), QByteArray());
+        QVERIFY(QDir(home.path(QStringLiteral("tmp"))).isEmpty());
+    }
+
+    void theTableKeepsToColumns()
+    {
+        qputenv("COLUMNS", "40");
+        const Outcome outcome = run({QStringLiteral("report"), QStringLiteral("--demo")}, {});
+        qunsetenv("COLUMNS");
+        QVERIFY(outcome.output.contains("64%") && outcome.output.contains("83%"));
+        QVERIFY(!outcome.output.contains('\x1b')); // No colours in a pipe.
+        for (const QString &line : QString::fromUtf8(outcome.output).split(u'\n'))
+            QVERIFY2(line.size() <= 40, qPrintable(line));
+    }
+
+    void jsonCannotSteerTheTerminal()
+    {
+        const test::TemporaryHome home;
+        const QString model = QStringLiteral("a\u009b1m\u2028") + QString::fromUcs4(U"\U000E0041é");
+        home.write(QStringLiteral(".claude/a.jsonl"),
+                   datedNow(R"({"timestamp":"NOW","model":")" + model.toUtf8()
+                            + R"(","usage":{"input_tokens":1}})"));
+        const Outcome outcome = run(jsonReport, home);
+        QVERIFY(outcome.output.contains("\"a\\u009b1m\\u2028\\udb40\\udc41é\""));
+        const auto snapshot = snapshotFromJson(QJsonDocument::fromJson(outcome.output).object());
+        QVERIFY(snapshot);
+        const auto day = snapshot->summary(UsageWindowKind::Day, {}, QTimeZone::utc());
+        QCOMPARE(day.summary(UsageProvider::Claude).models.front().model, model);
+    }
+
+    void theBridgeIsReached()
+    {
+        const test::TemporaryHome home;
+        for (const char *option : {"--install", "--uninstall"}) {
+            QCOMPARE(run({QStringLiteral("bridge"), QString::fromLatin1(option)}, home).status, 0);
+            QCOMPARE(home.read(QStringLiteral(".claude/settings.json"))
+                         .contains(TG_SOURCE "/bridge/tallyglass-statusline-bridge.py"),
+                     option == QByteArrayView("--install"));
+        }
+        QCOMPARE(run({QStringLiteral("bridge"), QStringLiteral("--raport")}, home).status, 2);
+        QVERIFY(run({QStringLiteral("bridge")}, home).output.contains("--install"));
     }
 
     void theApplicationRunsWithoutADisplay()
@@ -149,10 +201,22 @@ private Q_SLOTS:
 
     void outputThatCannotBeWrittenFails()
     {
-        const auto full = QStringLiteral("/dev/full");
-        if (!QFile::exists(full))
-            QSKIP("this system has no /dev/full");
-        QCOMPARE(run(jsonReport, {}, full).status, 1);
+        const test::TemporaryHome home;
+        for (const char *words : {"report --json --demo >/dev/full", "report --demo >&-",
+                                  "--help >&-", "--version >/dev/full"}) {
+            if (QByteArrayView(words).endsWith("full")
+                && !QFile::exists(QStringLiteral("/dev/full")))
+                continue; // some systems have none
+            QProcess shell;
+            shell.setProcessEnvironment(environmentOf(home));
+            shell.start(QStringLiteral("/bin/sh"),
+                        {QStringLiteral("-c"),
+                         QStringLiteral(TG_PROGRAM " ") + QString::fromLatin1(words)});
+            QVERIFY(shell.waitForFinished());
+            QCOMPARE(shell.exitCode(), 1);
+            const QByteArray errors = shell.readAllStandardError();
+            QVERIFY2(errors.startsWith("tallyglass: ") && errors.count('\n') == 1, errors);
+        }
     }
 
     void overflowEndsTheProgram_data()

@@ -283,6 +283,14 @@
         <source>ログを読み取り中… %@ / %@ MB</source>
         <translation>Reading logs… %@ / %@ MB</translation>
     </message>
+    <message id="report.noLogs.format">
+        <source>%@以下に、この1か月のログが見つかりません</source>
+        <translation>no logs found below %@ for the last month</translation>
+    </message>
+    <message id="command.cannotWrite.format">
+        <source>出力を書き込めません: %@</source>
+        <translation>the output cannot be written: %@</translation>
+    </message>
     <message id="command.unknownWord.format">
         <source>不明な引数「%@」（使い方: tallyglass --help）</source>
         <translation>unknown argument “%@” (see tallyglass --help)</translation>
@@ -309,6 +317,8 @@ AIコーディングCLI（%2$@）の使用量を表示します。
   report             ログを一度集計して表で表示します。ネットワークには接続せず、ファイルも書きません
     --window 期間    %1$@のいずれかだけを表示します
     --json           usage_snapshot.jsonと同じJSONを出力します
+  bridge             Claude Codeのステータスラインから上限を受け取るブリッジを管理します
+                     （--install、--uninstall、--status）
 
 オプション:
   --demo             実際のホームフォルダの代わりに、架空のログで動作します
@@ -323,6 +333,8 @@ Commands:
   report             counts the logs once and prints a table; uses no network, writes no file
     --window WINDOW  prints one window only: %1$@
     --json           prints the same JSON as usage_snapshot.json
+  bridge             gets Claude Code's limits from its status line
+                     (--install, --uninstall, --status)
 
 Options:
   --demo             uses made-up logs in place of your home folder
