@@ -1,6 +1,6 @@
 #include "app/SingleInstance.h"
 
-#include "platform/Folders.h"
+#include "platform/Files.h"
 #include "platform/Host.h"
 
 #include <QDeadlineTimer>

@@ -1,6 +1,6 @@
 #include "collect/LogFiles.h"
 
-#include "platform/Folders.h"
+#include "platform/Files.h"
 #include "platform/Host.h"
 
 #include <algorithm>

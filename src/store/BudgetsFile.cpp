@@ -1,5 +1,6 @@
 #include "store/BudgetsFile.h"
 
+#include "platform/Files.h"
 #include "store/JsonFile.h"
 
 #include <QJsonObject>

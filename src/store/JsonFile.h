@@ -31,9 +31,4 @@ OwnFile readOwnFile(const QString &path);
 /// Gives a file another name, in whose place it comes. False when it could not.
 bool moveFile(const QString &from, const QString &to);
 
-/// Writes a file whole or not at all: on a full disk, after a crash or a kill, the old one stands.
-/// The file is the user's alone (0600, in a folder of 0700 if that is missing yet). False when it
-/// could not be written.
-bool writeFileAtomically(const QString &path, const QByteArray &content);
-
 } // namespace tallyglass

@@ -1,6 +1,7 @@
 #include "store/SnapshotFile.h"
 
 #include "model/UsageJson.h"
+#include "platform/Files.h"
 #include "store/JsonFile.h"
 
 namespace tallyglass {

@@ -1,6 +1,7 @@
 #include "store/UsageHistory.h"
 
 #include "model/UsageJson.h"
+#include "platform/Files.h"
 #include "store/JsonFile.h"
 
 #include <algorithm>

@@ -1,9 +1,8 @@
-#include "platform/Folders.h"
+#include "platform/Files.h"
 #include "platform/linux/LinuxPorts.h"
 
 #include <QFileInfo>
 #include <QHash>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <cerrno>
@@ -17,15 +16,13 @@ constexpr qint64 largestEntry = qint64{64} * 1024; // bytes; real ones have a fe
 /// The keys of the group that matters.
 std::optional<QHash<QString, QString>> readKeys(const QString &path)
 {
-    // Looked at before it is opened: opening a pipe would wait for somebody to write to it.
-    const QFileInfo info(path);
-    QFile file(path);
-    if (!info.isFile() || info.size() > largestEntry || !file.open(QIODevice::ReadOnly))
+    const auto text = readWholeFile(path, largestEntry);
+    if (!text)
         return std::nullopt;
 
     std::optional<QHash<QString, QString>> keys;
     bool isInGroup = false;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    const QStringList lines = QString::fromUtf8(*text).split(u'\n');
     for (const QString &untrimmed : lines) {
         const QString line = untrimmed.trimmed();
         if (line.startsWith(u'[')) {
@@ -54,9 +51,15 @@ QString unescaped(const QString &value)
     return result;
 }
 
-/// The first word of a command line, whose quoting is a layer of its own below that of the value.
-QString firstWord(const QString &command)
+/// Stands before a path with a percent sign: some sessions look for the first word of a command
+/// before they have turned "%%" into "%", and find nothing.
+const auto launcher = QStringLiteral("env ");
+
+/// The program in a command line, whose quoting is a layer of its own below that of the value.
+QString programIn(QString command)
 {
+    if (command.startsWith(launcher))
+        command = command.sliced(launcher.size()).trimmed();
     const bool isQuoted = command.startsWith(u'"');
     QString word;
     for (qsizetype i = isQuoted ? 1 : 0; i < command.size(); ++i) {
@@ -92,7 +95,7 @@ QString escaped(QString value)
 /// What a desktop entry says about a program that the session starts.
 struct DesktopEntry
 {
-    QString program; ///< the first word of its command, without quotes
+    QString program; ///< of its command, without quotes
     bool isOff = false; ///< by any of the switches that desktops offer their users
 };
 
@@ -103,7 +106,7 @@ std::optional<DesktopEntry> readDesktopEntry(const QString &path)
     if (!keys)
         return std::nullopt;
     return DesktopEntry{
-        .program = firstWord(unescaped(keys->value(QStringLiteral("Exec")))),
+        .program = programIn(unescaped(keys->value(QStringLiteral("Exec")))),
         .isOff = keys->value(QStringLiteral("Hidden")) == QStringLiteral("true")
             || keys->value(QStringLiteral("X-GNOME-Autostart-enabled")) == QStringLiteral("false"),
     };
@@ -112,23 +115,9 @@ std::optional<DesktopEntry> readDesktopEntry(const QString &path)
 /// The text of an entry that starts \a program, a full path of whatever characters.
 QByteArray desktopEntry(const QString &program)
 {
-    return "[Desktop Entry]\nType=Application\nName=Tallyglass\nIcon=tallyglass\nExec="
-        + escaped(quoted(program)).toUtf8() + '\n';
-}
-
-/// Gives the system's text of what went wrong.
-std::optional<QString> writeWhole(const QString &path, const QByteArray &content)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    // On a full disk commit() succeeds with half a file, so that is looked at before.
-    if (file.write(content) != content.size() || !file.flush() || file.size() != content.size()) {
-        QString error = file.errorString();
-        file.cancelWriting();
-        return error;
-    }
-    return file.commit() ? std::nullopt : std::optional{file.errorString()};
+    const QString command = (program.contains(u'%') ? launcher : QString()) + quoted(program);
+    return "[Desktop Entry]\nType=Application\nName=Tallyglass\nIcon=tallyglass\nTryExec="
+        + escaped(program).toUtf8() + "\nExec=" + escaped(command).toUtf8() + '\n';
 }
 
 class AutostartEntry final : public LoginItem
@@ -163,9 +152,9 @@ std::optional<QString> AutostartEntry::setEnabled(bool enabled)
         QFile file(path());
         return file.remove() ? std::nullopt : std::optional{file.errorString()};
     }
-    if (!makePrivateFolder(QFileInfo(path()).path()))
+    if (!writeFileAtomically(path(), desktopEntry(m_autostart.program)))
         return qt_error_string(errno);
-    return writeWhole(path(), desktopEntry(m_autostart.program));
+    return std::nullopt;
 }
 
 QString AutostartEntry::path() const

@@ -1,6 +1,7 @@
 #include "platform/Desktop.h"
 
 #include "model/DisplayTexts.h"
+#include "platform/linux/Buses.h"
 #include "platform/linux/TrayHost.h"
 #include "platform/linux/X11.h"
 
@@ -105,6 +106,7 @@ void prepareForWindows()
         qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
     if (!hasDisplay && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    leaveOutSilentBuses();
 }
 
 std::unique_ptr<MenuBarItem> makeMenuBarItem(const MenuBarIcon &icon)

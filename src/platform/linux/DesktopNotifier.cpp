@@ -1,9 +1,9 @@
+#include "platform/linux/Buses.h"
 #include "platform/linux/LinuxPorts.h"
 
 #include <QDBusConnection>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QFileInfo>
 #include <QFutureWatcher>
 #include <QMutex>
 #include <QtConcurrent>
@@ -14,22 +14,15 @@ namespace {
 
 const QString connectionName = QStringLiteral("tallyglass-notifications");
 
-/// Whether the session says where its bus is, by the variable or by a socket in the usual place.
-/// Without either the bus library would try to start a bus of its own.
-bool hasBus()
-{
-    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
-        || QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
-}
-
-/// Blocks as long as a bus takes to answer.
+/// Blocks for a second where a bus is silent.
 QDBusConnection connectedBus()
 {
     // One at a time: Qt dies of a connection that is made and dropped by two threads at once.
     static QMutex mutex;
     const QMutexLocker lock(&mutex);
     QDBusConnection known(connectionName);
-    if (known.isConnected() || !hasBus())
+    const QByteArray address = sessionBusAddress();
+    if (known.isConnected() || address.isEmpty() || isSilentBus(address))
         return known;
     QDBusConnection::disconnectFromBus(connectionName);
     // Not by its address: Qt would then drop a connection without closing it when the bus does not

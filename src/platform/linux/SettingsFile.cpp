@@ -1,79 +1,92 @@
-#include "platform/Folders.h"
+#include "platform/Files.h"
 #include "platform/linux/LinuxPorts.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QSettings>
+#include <QMap>
 #include <QUrl>
+
+#include <cerrno>
 
 namespace tallyglass {
 
 namespace {
 
-const QByteArray section = "[General]\n";
+constexpr qint64 largestFile = qint64{1024} * 1024; // bytes; real ones have a few hundred
 
-bool read(QIODevice &device, QSettings::SettingsMap &settings)
+using Settings = QMap<QString, QString>;
+
+Settings settingsIn(const QByteArray &text)
 {
-    while (!device.atEnd()) {
-        const QByteArray line = device.readLine().trimmed();
+    Settings settings;
+    for (const QByteArray &line : text.split('\n')) {
         const qsizetype sign = line.indexOf('=');
-        if (sign > 0 && !line.startsWith(';'))
+        if (sign > 0 && !line.trimmed().startsWith(';'))
             settings.insert(QUrl::fromPercentEncoding(line.first(sign).trimmed()),
                             QUrl::fromPercentEncoding(line.sliced(sign + 1).trimmed()));
     }
-    return true;
+    return settings;
 }
 
-bool write(QIODevice &device, const QSettings::SettingsMap &settings)
+QByteArray textOf(const Settings &settings)
 {
-    QByteArray text = section;
+    QByteArray text = "[General]\n";
     for (auto setting = settings.begin(); setting != settings.end(); ++setting)
         text += QUrl::toPercentEncoding(setting.key()) + '='
-            + QUrl::toPercentEncoding(setting.value().toString()) + '\n';
-    // Qt's own writer looks at neither: on a full disk it put half a file instead of a whole
-    // one and called that a success.
-    auto &file = static_cast<QFileDevice &>(device);
-    return file.write(text) == text.size() && file.flush() && file.size() == text.size();
+            + QUrl::toPercentEncoding(setting.value()) + '\n';
+    return text;
 }
 
-QSettings::Format checkedFormat()
+/// Nothing when there is something that cannot be read. A file that is missing is empty.
+std::optional<Settings> readSettings(const QString &path)
 {
-    static const QSettings::Format format =
-        QSettings::registerFormat(QStringLiteral("conf"), read, write, Qt::CaseSensitive);
-    return format;
+    const auto text = readWholeFile(path, largestFile);
+    if (!text && errno != ENOENT)
+        return std::nullopt;
+    return settingsIn(text.value_or(QByteArray()));
 }
 
+// Not QSettings: its lock waits without end when something else has the lock's name, and on a full
+// disk it puts half a file in the place of a whole one and calls that a success.
 class SettingsFile final : public UserDefaults
 {
 public:
-    explicit SettingsFile(const QString &path);
+    explicit SettingsFile(const QString &path)
+        : m_path(path)
+        , m_stored(readSettings(path).value_or(Settings()))
+    {
+    }
 
     QVariant value(const QString &key) const override;
     void setValue(const QString &key, const QVariant &value) override;
 
 private:
-    QSettings m_settings;
+    QString m_path;
+    Settings m_stored;
+    Settings m_unsaved; ///< what could not be written yet
 };
-
-SettingsFile::SettingsFile(const QString &path)
-    : m_settings(path, checkedFormat())
-{
-}
 
 QVariant SettingsFile::value(const QString &key) const
 {
-    return m_settings.value(key);
+    for (const Settings *settings : {&m_unsaved, &m_stored}) {
+        if (settings->contains(key))
+            return settings->value(key);
+    }
+    return {};
 }
 
 void SettingsFile::setValue(const QString &key, const QVariant &value)
 {
-    // Made here, because Qt would make both readable for everybody.
-    QFile file(m_settings.fileName());
-    if (makePrivateFolder(QFileInfo(file).path()))
-        file.open(QIODevice::WriteOnly | QIODevice::NewOnly,
-                  QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    m_settings.setValue(key, value);
-    m_settings.sync();
+    m_unsaved.insert(key, value.toString());
+    // Read again, for others may have written to it; what cannot be read is not written over.
+    auto settings = readSettings(m_path);
+    if (!settings)
+        return;
+    settings->insert(m_unsaved);
+    const QString target = QFileInfo(m_path).canonicalFilePath(); // A link stays one.
+    if (!writeFileAtomically(target.isEmpty() ? m_path : target, textOf(*settings)))
+        return;
+    m_stored = *settings;
+    m_unsaved.clear();
 }
 
 } // namespace

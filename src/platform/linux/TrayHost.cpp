@@ -5,8 +5,9 @@
 #include <QAbstractNativeEventFilter>
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QTimer>
 
@@ -16,24 +17,8 @@ namespace tallyglass {
 
 namespace {
 
-constexpr int longestAnswer = 500; // milliseconds
 const auto watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const auto watcherPath = QStringLiteral("/StatusNotifierWatcher");
-
-/// Whether somebody shows the icons that programs announce over the session bus.
-bool hasNotifierHost()
-{
-    const auto bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(watcher))
-        return false;
-    auto question = QDBusMessage::createMethodCall(
-        watcher, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"),
-        QStringLiteral("Get"));
-    question << watcher << QStringLiteral("IsStatusNotifierHostRegistered");
-    const QDBusMessage answer = bus.call(question, QDBus::Block, longestAnswer);
-    return answer.type() == QDBusMessage::ReplyMessage
-        && answer.arguments().value(0).value<QDBusVariant>().variant().toBool();
-}
 
 /// Whether a tray of the older kind, which takes in windows, is running.
 bool hasX11Tray()
@@ -80,17 +65,39 @@ private:
 // icons. So it must not look before one of them is there, and we look ourselves.
 TrayHost::TrayHost(QObject *parent)
     : QObject(parent)
+    , m_watcherWatch(watcher, QDBusConnection::sessionBus())
 {
-    QDBusConnection::sessionBus().connect(watcher, watcherPath, watcher,
-                                          QStringLiteral("StatusNotifierHostRegistered"), this,
-                                          SLOT(check()));
+    connect(&m_watcherWatch, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            &TrayHost::askWatcher);
+    for (const char *change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
+        QDBusConnection::sessionBus().connect(
+            watcher, watcherPath, watcher, QString::fromLatin1(change), this, SLOT(askWatcher()));
+    askWatcher();
     if (x11::connection())
         new ManagerWatch([this] { check(); }, this);
 }
 
 bool TrayHost::isThere() const
 {
-    return hasNotifierHost() || hasX11Tray();
+    return m_hasNotifierHost || hasX11Tray();
+}
+
+/// Asks whether somebody shows the icons that programs announce over the session bus.
+void TrayHost::askWatcher()
+{
+    auto question = QDBusMessage::createMethodCall(
+        watcher, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"),
+        QStringLiteral("Get"));
+    question << watcher << QStringLiteral("IsStatusNotifierHostRegistered");
+    question.setAutoStartService(false);
+    auto *call =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
+        call->deleteLater();
+        const QDBusPendingReply<QDBusVariant> answer = *call;
+        m_hasNotifierHost = !answer.isError() && answer.value().variant().toBool();
+        check();
+    });
 }
 
 void TrayHost::check()

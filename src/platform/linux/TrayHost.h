@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDBusServiceWatcher>
 #include <QObject>
 
 namespace tallyglass {
@@ -18,7 +19,13 @@ Q_SIGNALS:
     void appeared();
 
 private Q_SLOTS:
+    void askWatcher();
+
+private:
     void check();
+
+    QDBusServiceWatcher m_watcherWatch; ///< desktops may be restarted
+    bool m_hasNotifierHost = false; ///< as of the last answer
 };
 
 } // namespace tallyglass

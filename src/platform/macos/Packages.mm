@@ -1,4 +1,4 @@
-#include "platform/Folders.h"
+#include "platform/Files.h"
 
 #import <Foundation/Foundation.h>
 
@@ -6,6 +6,9 @@ namespace tallyglass {
 
 bool isPackage(const std::string &path)
 {
+    // To the system a framework, for one, is no package.
+    if (hasPackageExtension(path))
+        return true;
     @autoreleasepool { // called from workers, for every folder
         NSURL *url = [NSURL fileURLWithFileSystemRepresentation:path.c_str()
                                                     isDirectory:YES
