@@ -1,6 +1,6 @@
 #include "update/ModestXml.h"
 
-#include <QLatin1String>
+#include <QString>
 
 namespace tallyglass {
 

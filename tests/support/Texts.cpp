@@ -14,7 +14,8 @@ Instant at(std::string_view isoDateTime)
 
 QString toText(Instant instant)
 {
-    return QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count(), Qt::UTC)
+    return QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count())
+        .toUTC()
         .toString(Qt::ISODateWithMs);
 }
 
