@@ -142,7 +142,7 @@ private Q_SLOTS:
             notifier->post(notification);
             QTRY_COMPARE(daemon.asked[capabilities].size(), 1);
         }
-        QVERIFY(time.elapsed() < 2000);
+        QVERIFY(time.elapsed() < 10'000);
         QVERIFY(daemon.asked[notify].isEmpty());
     }
 

@@ -4,7 +4,6 @@
 #include "support/Table.h"
 #include "support/TemporaryHome.h"
 
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QRegularExpression>
 
@@ -142,14 +141,15 @@ private Q_SLOTS:
 
     void whateverHasTheNamesOfTheSettingsIsSteppedAround_data()
     {
-        test::table<ThingRow>({{"a folder", "mkdir %", false},
-                               {"a pipe", "mkfifo %", false},
-                               {"a device", "ln -s /dev/zero %", false},
-                               {"a huge file", "truncate -s 100M %", false},
-                               {"a file for a folder", "rmdir .config; echo >.config", false},
-                               {"a link to a file", "echo >real; ln -s ../real %", true},
-                               {"a pipe for a lock", "mkfifo %.lock", true},
-                               {"a device for a start", "ln -s /dev/full %.unfinished", true}});
+        test::table<ThingRow>(
+            {{"a folder", "mkdir %", false},
+             {"a pipe", "mkfifo %", false},
+             {"a link to a pipe", "mkfifo pipe; ln -s ../pipe %", false},
+             {"a huge file", "truncate -s 100M %", false},
+             {"a file for a folder", "rmdir .config; echo >.config", false},
+             {"a link to a file", "echo >real; ln -s ../real %", true},
+             {"a pipe for a lock", "mkfifo %.lock", true},
+             {"a link for a start", "echo >real; ln -s ../real %.unfinished", true}});
     }
     void whateverHasTheNamesOfTheSettingsIsSteppedAround()
     {
@@ -167,12 +167,9 @@ private Q_SLOTS:
         };
         const auto before = kind();
 
-        QElapsedTimer time;
-        time.start();
         const auto settings = makeSettingsFile(home.path(settingsFile));
         settings->setValue(word, QStringLiteral("day"));
         QCOMPARE(settings->value(word).toString(), QStringLiteral("day")); // at least for now
-        QVERIFY(time.elapsed() < 1000);
         QVERIFY(before == 0 || kind() == before);
         QCOMPARE(makeSettingsFile(home.path(settingsFile))->value(word).isValid(), row.isSaved);
     }

@@ -31,16 +31,14 @@ class OutsideClicks final : public QObject
 public:
     OutsideClicks(QWindow &panel, QRect icon)
         : QObject(&panel)
-        , m_monitor([NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskLeftMouseDown
-                             | NSEventMaskRightMouseDown
-                                                           handler:^(NSEvent *) {
-                                                               // Recent systems count our own item
-                                                               // as another program's; its click is
-                                                               // on the way to us.
-                                                               if (!icon.contains(QCursor::pos()))
-                                                                   panel.hide();
-                                                           }])
     {
+        const auto hide = ^(NSEvent *) {
+            // Recent systems count our own item as another program's. It will tell us itself.
+            if (!icon.contains(QCursor::pos()))
+                panel.hide();
+        };
+        constexpr auto presses = NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown;
+        m_monitor = [NSEvent addGlobalMonitorForEventsMatchingMask:presses handler:hide];
         connect(&panel, &QWindow::visibleChanged, this, [this](bool isVisible) {
             if (isVisible)
                 return;
