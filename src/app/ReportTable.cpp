@@ -134,7 +134,7 @@ public:
             QString cell = elided(cells[column], width);
             if (isFigure(column))
                 cell = paddedLeft(cell, width);
-            else if (column != Models) // The last column: no blanks behind it.
+            else if (!isLast(column)) // which has no blanks behind it
                 cell = paddedRight(cell, width);
             if (column > 0 && !cell.isEmpty())
                 cell.prepend(gap);
@@ -155,6 +155,12 @@ private:
         for (std::size_t column = Used; column < ColumnCount; ++column)
             width += m_widths[column] > 0 ? m_widths[column] + displayWidth(gap) : 0;
         return width;
+    }
+
+    bool isLast(std::size_t column) const
+    {
+        return std::all_of(m_widths.begin() + column + 1, m_widths.end(),
+                           [](int width) { return width == 0; });
     }
 
     QString looking(const QString &text, Look look) const

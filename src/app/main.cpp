@@ -11,7 +11,10 @@
 #include <QFileInfo>
 #include <QLocale>
 
+#include <clocale>
+#include <langinfo.h>
 #include <string>
+#include <string_view>
 #include <unistd.h>
 #include <vector>
 
@@ -20,6 +23,15 @@ using namespace tallyglass;
 namespace {
 
 constexpr int misuseStatus = 2;
+
+/// Qt tells at length of a locale that is not UTF-8, as in a bare container, before it takes this
+/// one.
+void preferUtf8()
+{
+    std::setlocale(LC_CTYPE, "");
+    if (nl_langinfo(CODESET) != std::string_view("UTF-8"))
+        qputenv(qEnvironmentVariableIsEmpty("LC_ALL") ? "LC_CTYPE" : "LC_ALL", "C.UTF-8");
+}
 
 int run(const command::Help &)
 {
@@ -67,6 +79,7 @@ int becomeBridge(int argc, char **argv)
 int main(int argc, char **argv)
 {
     reserveStandardStreams();
+    preferUtf8();
     const QCoreApplication application(argc, argv);
     chooseLanguage(QLocale::system().uiLanguages());
     const Command command = parseCommandLine(QCoreApplication::arguments().mid(1));
