@@ -138,7 +138,8 @@ static long long speed(void)
 
 static long long start(clockid_t clock)
 {
-    const char *text = getenv(clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE ? "LAB_REALTIME" : "LAB_MONOTONIC");
+    const int sinceEpoch = clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE;
+    const char *text = getenv(sinceEpoch ? "LAB_REALTIME" : "LAB_MONOTONIC");
     return text ? atoll(text) * BILLION : 0;
 }
 
@@ -175,7 +176,8 @@ int ppoll(struct pollfd *files, nfds_t count, const struct timespec *longest, co
     return NEXT(ppoll)(files, count, longest ? &shorter : NULL, signals);
 }
 
-int pthread_cond_clockwait(pthread_cond_t *condition, pthread_mutex_t *mutex, clockid_t clock, const struct timespec *until)
+int pthread_cond_clockwait(pthread_cond_t *condition, pthread_mutex_t *mutex, clockid_t clock,
+                           const struct timespec *until)
 {
     const struct timespec real = moved(*until, start(clock), 1, speed());
     return NEXT(pthread_cond_clockwait)(condition, mutex, clock, &real);
@@ -183,7 +185,8 @@ int pthread_cond_clockwait(pthread_cond_t *condition, pthread_mutex_t *mutex, cl
 
 int pthread_cond_timedwait(pthread_cond_t *condition, pthread_mutex_t *mutex, const struct timespec *until)
 {
-    /* Which clock is meant the condition knows; the times since 1970 are far above those since the start. */
-    const struct timespec real = moved(*until, start(until->tv_sec > BILLION ? CLOCK_REALTIME : CLOCK_MONOTONIC), 1, speed());
+    /* Only the condition knows which clock is meant; times since 1970 are far above those since the start. */
+    const clockid_t clock = until->tv_sec > BILLION ? CLOCK_REALTIME : CLOCK_MONOTONIC;
+    const struct timespec real = moved(*until, start(clock), 1, speed());
     return NEXT(pthread_cond_timedwait)(condition, mutex, &real);
 }

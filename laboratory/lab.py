@@ -78,7 +78,7 @@ class Web:
         self.says(NOTHING)
 
     def says(self, content):
-        """What the endpoint answers from now on: bytes, or a function of the connection. Earlier requests are forgotten."""
+        """What it answers from now on: bytes, or a function of the connection. Earlier requests are forgotten."""
         self.content, self.requests = content, []
 
     def accept(self):
@@ -249,8 +249,8 @@ def peak(process):
 
 def month(snapshot):
     """What a snapshot has of each tool in the month."""
-    window = next(window for window in snapshot["summaries"] if window["window"] == "month")
-    return {tool["provider"]: tool for tool in window["providers"]}
+    return {tool["provider"]: tool for window in snapshot["summaries"] if window["window"] == "month"
+            for tool in window["providers"]}
 
 
 def total(output):
