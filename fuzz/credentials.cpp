@@ -1,7 +1,6 @@
 // Whatever stands in the file of credentials, a token is given only while it can be sent.
 
 #include "Fuzz.h"
-#include "platform/NoKeychain.h"
 #include "services/ClaudeCredentials.h"
 
 using namespace tallyglass;
@@ -13,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const char *data, std::size_t size)
                 QByteArray(data, static_cast<qsizetype>(size)));
     const Instant now = fromUnixNumber(1'767'225'600);
     const Host host{.homeFolder = fuzz::home()};
-    const auto found = findClaudeCredentials(host, NoKeychain(), now);
+    const auto found = findClaudeCredentials(host, nullptr, now);
     if (!found)
         return 0;
     require(found->isExpired == (found->expiryDate && *found->expiryDate <= now),
