@@ -7,22 +7,22 @@ namespace tallyglass {
 
 namespace {
 
-/// One model's counters, nothing when none counts.
-std::optional<TokenUsage> modelUsage(const JsonValue &metrics)
+/// The object that holds one model's counters, null when there is none.
+const JsonValue *usageOf(const JsonValue &metrics)
 {
     const JsonValue *model = objectValue(&metrics);
-    const JsonValue *usage = model ? objectValue(model->find("usage")) : nullptr;
-    if (!usage)
-        return std::nullopt;
+    return model ? objectValue(model->find("usage")) : nullptr;
+}
 
-    const TokenUsage tokens{
-        .inputTokens = integerValue(usage->find("inputTokens")),
-        .outputTokens = checkedSum(integerValue(usage->find("outputTokens")),
-                                   integerValue(usage->find("reasoningTokens"))),
-        .cacheCreationTokens = integerValue(usage->find("cacheWriteTokens")),
-        .cacheReadTokens = integerValue(usage->find("cacheReadTokens")),
+TokenUsage modelUsage(const JsonValue &usage)
+{
+    return {
+        .inputTokens = integerValue(usage.find("inputTokens")),
+        .outputTokens = checkedSum(integerValue(usage.find("outputTokens")),
+                                   integerValue(usage.find("reasoningTokens"))),
+        .cacheCreationTokens = integerValue(usage.find("cacheWriteTokens")),
+        .cacheReadTokens = integerValue(usage.find("cacheReadTokens")),
     };
-    return tokens.counterSum() < 1 ? std::nullopt : std::optional{tokens};
 }
 
 } // namespace
@@ -44,23 +44,37 @@ void CopilotLogReader::take(const JsonValue &record)
 
     const Instant date = timestamp(record, m_origin.zone).value_or(m_origin.fileDate);
     forEachContainer(*metrics, [&](const JsonValue &member) {
-        const auto usage = modelUsage(member);
+        const JsonValue *usage = usageOf(member);
         if (!usage)
             return;
+        Entry entry{.date = date, .usage = modelUsage(*usage)};
+        if (entry.usage.counterSum() < 1)
+            return;
+        if (m_origin.marks)
+            entry.mark = {.kind = EventMark::Kind::Run,
+                          .line = m_origin.marks->line,
+                          .part = integerValue(usage->find("reasoningTokens"))};
+
         const std::string_view model = member.name();
         const auto held = m_models.find(model);
-        if (held == m_models.end())
-            m_models.emplace(model, Entry{.date = date, .usage = *usage});
-        else if (date >= held->second.date)
-            held->second = {.date = date, .usage = *usage};
+        if (held == m_models.end()) {
+            m_models.emplace(model, entry);
+            return;
+        }
+        if (date >= held->second.date)
+            std::swap(held->second, entry);
+        if (m_origin.marks) {
+            entry.mark.isRecord = false;
+            m_earlier.emplace_back(model, entry);
+        }
     });
 }
 
 std::vector<UsageEvent> CopilotLogReader::events() const
 {
     std::vector<UsageEvent> events;
-    events.reserve(m_models.size());
-    for (const auto &[model, entry] : m_models) {
+    events.reserve(m_models.size() + m_earlier.size());
+    const auto append = [&](const std::string &model, const Entry &entry) {
         events.push_back({
             .provider = m_origin.provider,
             .date = entry.date,
@@ -68,7 +82,13 @@ std::vector<UsageEvent> CopilotLogReader::events() const
             .usage = entry.usage,
             .source = m_origin.source,
         });
-    }
+        if (m_origin.marks)
+            m_origin.marks->events.push_back(entry.mark);
+    };
+    for (const auto &[model, entry] : m_models)
+        append(model, entry);
+    for (const auto &[model, entry] : m_earlier)
+        append(model, entry);
     return events;
 }
 

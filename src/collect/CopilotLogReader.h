@@ -16,7 +16,7 @@ public:
     /// Takes one line of the file. Whatever is not a shutdown record is passed over.
     void take(const JsonValue &record);
 
-    /// One event for each model.
+    /// One event for each model. Where marks are asked for, the earlier records of the models too.
     std::vector<UsageEvent> events() const;
 
 private:
@@ -24,10 +24,12 @@ private:
     {
         Instant date;
         TokenUsage usage;
+        EventMark mark;
     };
 
     const LogOrigin &m_origin;
     std::map<std::string, Entry, std::less<>> m_models;
+    std::vector<std::pair<std::string, Entry>> m_earlier; ///< only where marks are asked for
 };
 
 } // namespace tallyglass

@@ -4,8 +4,6 @@
 #include "collect/LogFiles.h"
 #include "model/FatalFault.h"
 
-#include <QFile>
-
 #include <algorithm>
 #include <numeric>
 #include <thread>
@@ -28,10 +26,10 @@ std::vector<std::size_t> largestFirst(const std::vector<LogFile> &files)
 
 } // namespace
 
-void collectEvents(const QString &home, Instant cutoff, const QTimeZone &zone,
-                   std::span<const EventSink> sinks, CollectionProgress &progress)
+void collectEvents(const Host &host, Instant cutoff, const QTimeZone &zone,
+                   std::span<const EventSink> sinks, CollectionProgress &progress, Marks marks)
 {
-    const std::vector<LogFile> files = findLogFiles(QFile::encodeName(home).toStdString(), cutoff);
+    const std::vector<LogFile> files = findLogFiles(host, cutoff);
     const std::vector<std::size_t> order = largestFirst(files);
     for (const LogFile &file : files)
         progress.bytesFound += file.size;
@@ -40,12 +38,14 @@ void collectEvents(const QString &home, Instant cutoff, const QTimeZone &zone,
     const auto work = [&](const EventSink &sink) {
         LogFileReader reader(zone);
         std::vector<UsageEvent> events;
+        FileMarks fileMarks{.hasLines = marks == Marks::AskedWithLines};
+        FileMarks *const asked = marks == Marks::None ? nullptr : &fileMarks;
         for (std::size_t i = next++; i < order.size(); i = next++) {
             const LogFile &file = files[order[i]];
             fileAtWork = &file.path;
             events.clear();
-            reader.readLogFile(file, events);
-            sink(order[i], events);
+            reader.readLogFile(file, events, asked);
+            sink({.file = file, .order = order[i], .events = events, .marks = asked});
             progress.bytesRead += file.size;
         }
         fileAtWork = nullptr;

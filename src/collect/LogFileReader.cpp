@@ -1,5 +1,6 @@
 #include "collect/LogFileReader.h"
 
+#include "collect/CodexThread.h"
 #include "collect/CopilotLogReader.h"
 #include "collect/FieldAliases.h"
 #include "collect/TextScan.h"
@@ -108,7 +109,8 @@ std::size_t LogFileReader::capacity() const
     return m_buffer.size() - padding;
 }
 
-void LogFileReader::readLogFile(const LogFile &file, std::vector<UsageEvent> &events)
+void LogFileReader::readLogFile(const LogFile &file, std::vector<UsageEvent> &events,
+                                FileMarks *marks)
 {
     const OpenFile opened(file.path);
     if (!opened.isRegular())
@@ -120,27 +122,37 @@ void LogFileReader::readLogFile(const LogFile &file, std::vector<UsageEvent> &ev
                            .source =
                                QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())),
                            .zone = m_zone,
-                           .names = m_names};
+                           .names = m_names,
+                           .marks = marks};
+    if (marks) {
+        const bool isCodex = file.provider == UsageProvider::Codex;
+        marks->isFork = isCodex && isForkedThread(file.path);
+        marks->line = marks->hasLines ? 1 : 0;
+        marks->events.clear();
+    }
 
     if (factsOf(file.provider).logFormat == LogFormat::CopilotSessions) {
         CopilotLogReader copilot(origin);
-        if (readLines(opened.descriptor(), [&](const JsonValue &record) { copilot.take(record); }))
+        if (readLines(opened.descriptor(), marks,
+                      [&](const JsonValue &record) { copilot.take(record); }))
             std::ranges::move(copilot.events(), std::back_inserter(events));
     } else if (file.isDocument) {
         if (const JsonValue *document = readDocument(opened.descriptor()))
             parseRecord(*document, origin, events);
     } else {
         const std::size_t before = events.size();
-        if (!readLines(opened.descriptor(),
+        if (!readLines(opened.descriptor(), marks,
                        [&](const JsonValue &record) { parseRecord(record, origin, events); }))
             events.resize(before);
+        if (marks)
+            marks->events.resize(events.size() - before);
     }
 }
 
 /// Gives every line that is JSON and may count to \a take. False when the file cannot be read to
 /// its end or is not UTF-8; what was taken until then does not count.
 template<typename Take>
-bool LogFileReader::readLines(int file, Take take)
+bool LogFileReader::readLines(int file, FileMarks *marks, Take take)
 {
     std::size_t total = 0;
     std::size_t start = 0;
@@ -162,7 +174,7 @@ bool LogFileReader::readLines(int file, Take take)
         const std::span<char> lines(&m_buffer[start], taken - start);
         if (!simdjson::validate_utf8(lines.data(), lines.size()))
             return false;
-        takeLines(lines, take);
+        takeLines(lines, marks, take);
 
         // The unfinished line goes to the front, so that what is read next begins a cache line.
         const std::size_t unfinished = filled - taken;
@@ -175,8 +187,15 @@ bool LogFileReader::readLines(int file, Take take)
 
 /// \a lines lie in the buffer.
 template<typename Take>
-void LogFileReader::takeLines(std::span<char> lines, Take take)
+void LogFileReader::takeLines(std::span<char> lines, FileMarks *marks, Take take)
 {
+    std::size_t counted = 0;
+    // Not within a line that was parsed: its strings have been decoded in place, line feeds too.
+    const auto countLinesBefore = [&](std::size_t position) {
+        if (marks && marks->hasLines)
+            marks->line += static_cast<std::uint32_t>(
+                std::ranges::count(lines.subspan(counted, position - counted), '\n'));
+    };
     const std::string_view text(lines.data(), lines.size());
     std::size_t marker = findUsageMarker(text.data(), 0, text.size());
     while (marker < text.size()) {
@@ -184,12 +203,15 @@ void LogFileReader::takeLines(std::span<char> lines, Take take)
         const std::size_t end = std::min(text.find('\n', marker), text.size());
         const std::string_view line = trimmed(text.substr(start, end - start));
         if (line.starts_with('{') || line.starts_with('[')) {
+            countLinesBefore(start);
+            counted = end;
             char *const first = lines.data() + (line.data() - text.data());
             if (const JsonValue *record = m_json.parse({first, line.size()}))
                 take(*record);
         }
         marker = findUsageMarker(text.data(), end, text.size());
     }
+    countLinesBefore(text.size());
 }
 
 const JsonValue *LogFileReader::readDocument(int file)

@@ -39,15 +39,16 @@ public:
     /// \a zone is that of dates without one; it must outlive the reader.
     explicit LogFileReader(const QTimeZone &zone);
 
-    /// Appends the file's events in its order. A file that cannot be read, or is not UTF-8
-    /// throughout, gives none.
-    void readLogFile(const LogFile &file, std::vector<UsageEvent> &events);
+    /// Appends the file's events in its order, and for each a mark if \a marks are asked for. A
+    /// file that cannot be read, or is not UTF-8 throughout, gives none.
+    void readLogFile(const LogFile &file, std::vector<UsageEvent> &events,
+                     FileMarks *marks = nullptr);
 
 private:
     template<typename Take>
-    bool readLines(int file, Take take);
+    bool readLines(int file, FileMarks *marks, Take take);
     template<typename Take>
-    void takeLines(std::span<char> lines, Take take);
+    void takeLines(std::span<char> lines, FileMarks *marks, Take take);
     const JsonValue *readDocument(int file);
     bool mentionsUsage(int file);
     std::optional<std::size_t> readMore(int file, std::size_t filled);

@@ -1,14 +1,16 @@
 #include "collect/LogFiles.h"
 
 #include "platform/Files.h"
-#include "platform/Host.h"
+
+#include <QFile>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
-#include <optional>
+#include <set>
 #include <string_view>
 #include <sys/stat.h>
 
@@ -47,33 +49,70 @@ timespec modificationTime(const Status &status)
         return status.st_mtim;
 }
 
-/// The file as the collection knows it; nothing when it is not to be read.
-std::optional<LogFile> logFile(UsageProvider provider, std::string path, const struct stat &status,
-                               Instant cutoff)
+Instant modified(const struct stat &status)
 {
     const timespec time = modificationTime(status);
-    const Instant modified{std::chrono::floor<std::chrono::milliseconds>(
+    return Instant{std::chrono::floor<std::chrono::milliseconds>(
         std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec})};
-    if (!S_ISREG(status.st_mode) || modified < cutoff || status.st_size > largestFileRead)
-        return std::nullopt;
-    const bool isDocument = extensionOf(path) == "json";
-    return LogFile{.provider = provider,
-                   .path = std::move(path),
-                   .modified = modified,
-                   .size = status.st_size,
-                   .isDocument = isDocument};
 }
 
-void scanRoot(UsageProvider provider, std::string root, Instant cutoff, std::vector<LogFile> &files)
+using Reason = PassedOverLog::Reason;
+
+/// One search for log files, from root to root.
+class LogSearch
 {
-    const std::size_t firstOfRoot = files.size();
-    std::vector<std::string> folders{std::move(root)};
-    while (!folders.empty()) {
-        const std::string folder = std::move(folders.back());
-        folders.pop_back();
+public:
+    /// \a passedOver may be null.
+    LogSearch(Instant cutoff, bool mayRootsOverlap, std::vector<PassedOverLog> *passedOver)
+        : m_cutoff(cutoff)
+        , m_mayRootsOverlap(mayRootsOverlap)
+        , m_passedOver(passedOver)
+    {
+    }
+
+    void scanRoot(UsageProvider provider, std::string root)
+    {
+        const std::size_t firstOfRoot = m_files.size();
+        m_folders.push_back(std::move(root));
+        while (!m_folders.empty()) {
+            const std::string folder = std::move(m_folders.back());
+            m_folders.pop_back();
+            scanFolder(provider, folder);
+        }
+        std::sort(m_files.begin() + static_cast<std::ptrdiff_t>(firstOfRoot), m_files.end(),
+                  [](const LogFile &a, const LogFile &b) { return a.path < b.path; });
+    }
+
+    /// Takes the file if it is to be read.
+    void takeFile(UsageProvider provider, std::string path, const struct stat &status)
+    {
+        if (!S_ISREG(status.st_mode) || modified(status) < m_cutoff)
+            return;
+        if (status.st_size > largestFileRead) {
+            passOver(Reason::TooLarge, std::move(path), status.st_size);
+            return;
+        }
+        const bool isDocument = extensionOf(path) == "json";
+        m_files.push_back({.provider = provider,
+                           .path = std::move(path),
+                           .modified = modified(status),
+                           .size = status.st_size,
+                           .isDocument = isDocument});
+    }
+
+    std::vector<LogFile> takeFiles() { return std::move(m_files); }
+
+private:
+    void scanFolder(UsageProvider provider, const std::string &folder)
+    {
         const std::unique_ptr<DIR, int (*)(DIR *)> entries(opendir(folder.c_str()), closedir);
-        if (!entries)
-            continue;
+        if (!entries) {
+            if (errno == EACCES)
+                passOver(Reason::Unreadable, folder, 0);
+            return;
+        }
+        if (m_mayRootsOverlap && !isFirstVisit(dirfd(entries.get())))
+            return;
         while (const dirent *entry = readdir(entries.get())) {
             const std::string_view name = entry->d_name;
             if (name == "." || name == "..")
@@ -81,42 +120,71 @@ void scanRoot(UsageProvider provider, std::string root, Instant cutoff, std::vec
             // The entry's type mostly spares the look at the file itself.
             const bool mayBeFile = entry->d_type == DT_REG || entry->d_type == DT_UNKNOWN;
             const bool isAccepted = mayBeFile && isLogName(name);
+            const bool isCompressed = mayBeFile && m_passedOver && extensionOf(name) == "zst";
             bool isFolder = entry->d_type == DT_DIR;
             struct stat status{};
-            if ((isAccepted || entry->d_type == DT_UNKNOWN)
+            if ((isAccepted || isCompressed || entry->d_type == DT_UNKNOWN)
                 && fstatat(dirfd(entries.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
                 isFolder = S_ISDIR(status.st_mode);
+            std::string path = folder + '/' + entry->d_name;
             if (isFolder) {
-                std::string path = folder + '/' + entry->d_name;
                 if (!isPackage(path))
-                    folders.push_back(std::move(path));
+                    m_folders.push_back(std::move(path));
             } else if (isAccepted) {
-                if (auto file = logFile(provider, folder + '/' + entry->d_name, status, cutoff))
-                    files.push_back(std::move(*file));
+                takeFile(provider, std::move(path), status);
+            } else if (isCompressed && S_ISREG(status.st_mode) && modified(status) >= m_cutoff) {
+                passOver(Reason::Compressed, std::move(path), status.st_size);
             }
         }
     }
-    std::sort(files.begin() + static_cast<std::ptrdiff_t>(firstOfRoot), files.end(),
-              [](const LogFile &a, const LogFile &b) { return a.path < b.path; });
-}
+
+    bool isFirstVisit(int folder)
+    {
+        struct stat status{};
+        return fstat(folder, &status) != 0
+            || m_visited.insert({status.st_dev, status.st_ino}).second;
+    }
+
+    void passOver(Reason reason, std::string path, std::int64_t size)
+    {
+        if (m_passedOver)
+            m_passedOver->push_back({.reason = reason, .path = std::move(path), .size = size});
+    }
+
+    Instant m_cutoff;
+    bool m_mayRootsOverlap;
+    std::vector<PassedOverLog> *m_passedOver;
+    std::vector<LogFile> m_files;
+    std::vector<std::string> m_folders; ///< yet to be scanned
+    std::set<std::pair<dev_t, ino_t>> m_visited;
+};
 
 } // namespace
 
-std::vector<LogFile> findLogFiles(const std::string &home, Instant cutoff)
+std::vector<LogFile> findLogFiles(const Host &host, Instant cutoff,
+                                  std::vector<PassedOverLog> *passedOver)
 {
-    std::vector<LogFile> files;
+    const std::string home = QFile::encodeName(host.homeFolder).toStdString();
+    const bool isAnyMoved =
+        std::ranges::any_of(host.movedHomes, [](const QString &moved) { return !moved.isEmpty(); });
+    LogSearch search(cutoff, isAnyMoved, passedOver);
     for (const UsageProvider provider : allProviders) {
         for (const std::string_view folder : factsOf(provider).logFolders)
-            scanRoot(provider, home + '/' + std::string(folder), cutoff, files);
+            search.scanRoot(provider, home + '/' + std::string(folder));
+    }
+    for (const UsageProvider provider : allProviders) {
+        const QString &moved = host.movedHomes[static_cast<std::size_t>(provider)];
+        if (!moved.isEmpty())
+            search.scanRoot(provider,
+                            QFile::encodeName(moved).toStdString() + '/'
+                                + factsOf(provider).movedLogFolder);
     }
 
     std::string path = home + '/' + ownFolder + '/' + statuslineFile;
     struct stat status{};
-    if (stat(path.c_str(), &status) == 0) {
-        if (auto file = logFile(UsageProvider::Claude, std::move(path), status, cutoff))
-            files.push_back(std::move(*file));
-    }
-    return files;
+    if (stat(path.c_str(), &status) == 0)
+        search.takeFile(UsageProvider::Claude, std::move(path), status);
+    return search.takeFiles();
 }
 
 } // namespace tallyglass

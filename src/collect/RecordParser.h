@@ -2,6 +2,7 @@
 
 #include "collect/NameTable.h"
 #include "json/JsonValue.h"
+#include "model/EventMark.h"
 #include "model/UsageEvent.h"
 
 #include <vector>
@@ -18,6 +19,7 @@ struct LogOrigin
     QString source; ///< the file's name
     const QTimeZone &zone; ///< of dates that are a clock's reading
     NameTable &names;
+    FileMarks *marks = nullptr; ///< gets one for each event; null: nobody asks for them
 };
 
 /// Walks one JSON value at any depth and appends an event for every object with token counters or

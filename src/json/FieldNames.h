@@ -29,6 +29,8 @@ inline constexpr auto fieldNames = std::to_array<std::string_view>(
      // Copilot shutdown records
      "data", "modelMetrics", "inputTokens", "outputTokens", "reasoningTokens", "cacheWriteTokens",
      "cacheReadTokens",
+     // What tells copies of the same usage
+     "id", "requestId", "toolUseResult", "total_token_usage", "cached_input_tokens",
      // The answer of Claude's endpoint
      "five_hour", "seven_day", "utilization"});
 
@@ -87,6 +89,7 @@ class NamesByHash
 {
 public:
     static constexpr std::size_t shortest = 4; ///< so many characters are hashed at either end
+    static constexpr std::string_view tooShort = "id"; ///< the one name that is shorter
     static constexpr std::size_t longest = 32;
 
     struct Entry
@@ -100,6 +103,8 @@ public:
     consteval NamesByHash()
     {
         for (std::size_t i = 0; i < fieldNames.size(); ++i) {
+            if (fieldNames[i] == tooShort)
+                continue;
             if (fieldNames[i].size() < shortest || fieldNames[i].size() > longest)
                 throw "too short or too long for the hash"; // Reached while compiling only.
             std::ranges::copy(fieldNames[i], m_entries[i].name.begin());
@@ -120,6 +125,8 @@ private:
     {
         m_slots.fill(FieldKey::none);
         for (std::size_t i = 0; i < fieldNames.size(); ++i) {
+            if (fieldNames[i] == tooShort)
+                continue;
             std::uint8_t &slot = m_slots[hash(fieldNames[i])];
             if (slot != FieldKey::none)
                 return false;
@@ -164,7 +171,7 @@ inline std::size_t FieldKey::find(std::string_view name)
 {
     using Names = detail::NamesByHash;
     if (name.size() < Names::shortest)
-        return none;
+        return name == Names::tooShort ? FieldKey("id").index() : none;
     const std::size_t index = detail::namesByHash.candidate(name);
     const Names::Entry &entry = detail::namesByHash.entry(index);
     if (entry.size != name.size())

@@ -94,8 +94,11 @@ constexpr auto table = std::to_array<DisplayText>({
     {"command.cannotWrite.format", "出力を書き込めません: %@"},
     {"command.unknownWord.format", "不明な引数「%@」（使い方: tallyglass --help）"},
     {"command.unknownWindow.format", "不明な期間「%@」（%@のいずれか）"},
+    {"command.unknownCounting.format", "不明な数え方「%@」（every、onceのいずれか）"},
     {"command.noProgram.format", "%@がありません"},
     {"command.jsonIsWhole", "--jsonは全期間を出力するため、--windowと併用できません"},
+    {"command.unknownTool.format", "不明なツール「%@」（%@のいずれか）"},
+    {"command.jsonHasAll", "--jsonは常にすべてを出力するため、--allと併用できません"},
     {"command.help", R"(使い方: tallyglass [コマンド] [オプション]
 
 AIコーディングCLI（%2$@）の使用量を表示します。
@@ -104,7 +107,24 @@ AIコーディングCLI（%2$@）の使用量を表示します。
   （なし）           トレイに常駐し、5分ごとに集計します
   report             ログを一度集計して表で表示します。ネットワークには接続せず、ファイルも書きません
     --window 期間    %1$@のいずれかだけを表示します
+    --count 数え方   every（ログの記録すべて、既定）またはonce（同じ回答は1回だけ）
     --json           usage_snapshot.jsonと同じJSONを出力します
+  explain            表示される数値の内訳を、記録のファイルと行とともに表示します
+    --window 期間    %1$@のいずれか（既定はfiveHours）
+    --tool ツール    %3$@のいずれかだけを表示します
+    --model モデル   このモデルの記録だけを表示します
+    --count 数え方   reportと同じ
+    --all            すべての記録と上限の読み取りを表示します
+    --json           1行に1つのJSONオブジェクトを出力します
+  audit              2つの数え方の差を原因ごとに示し、読み取られなかったログを一覧します
+    --window 期間    %1$@のいずれかだけを表示します
+    --json           JSONを出力します
+  status             前回保存された集計を1行で表示します（プロンプトやステータスバー用）
+    --window 期間    %1$@のいずれか（既定はfiveHours）
+    --tool ツール    %3$@のいずれかだけを表示します
+    --format 書式    {all}、最も使ったツールの{tool}、{percent}、{tokens}、{reset}、{pace}、
+                     {window}、{age}、{stale}を置き換えた行
+    --json           Waybarのカスタムモジュール用のJSONを出力します
   bridge             Claude Codeのステータスラインから上限を受け取るブリッジを管理します
                      （--install、--uninstall、--status）
 
@@ -112,6 +132,51 @@ AIコーディングCLI（%2$@）の使用量を表示します。
   --demo             実際のホームフォルダの代わりに、架空のログで動作します
   --help             この説明を表示します
   --version          バージョンを表示します)"},
+
+    {"age.minutes.format", "%d分前"},
+    {"age.hours.format", "%d時間前"},
+    {"age.days.format", "%d日前"},
+
+    {"explain.others.format", "ほか%@件（--allで表示）"},
+    {"explain.sum.format", "合計（%@件）"},
+    {"explain.noLimit", "ツールが報告した上限はありません"},
+    {"explain.read.format", "読み取り %@（%@）"},
+    {"explain.reset.format", "リセット %@（%@）"},
+    {"explain.resetPassed.format", "リセット %@（経過済み）"},
+    {"explain.noReset", "リセット時刻なし"},
+    {"explain.otherLimits.format", "採用されなかった読み取り %@件"},
+    {"explain.endpointLimit.format", "保存された集計の上限 %@（Claude使用量APIから）"},
+
+    {"audit.everyRecord", "記録すべて"},
+    {"audit.eachAnswerOnce", "回答1回ずつ"},
+    {"audit.factor", "倍率"},
+    {"audit.records", "記録数"},
+    {"audit.blocks", "同じ回答のブロック"},
+    {"audit.resumed", "再開・分岐したファイル"},
+    {"audit.innerCopies", "記録の中の写し"},
+    {"audit.repeats", "繰り返し"},
+    {"audit.replays", "分岐元の再生"},
+    {"audit.runningTotals", "累計値"},
+    {"audit.parts", "内訳の二重計上"},
+    {"audit.earlierRuns", "数えられていない実行"},
+    {"audit.statedTotals", "記載された合計との差"},
+    {"audit.tooLarge", "大きすぎるファイル"},
+    {"audit.compressed", "圧縮されたファイル"},
+    {"audit.unreadable", "読み取れません"},
+    {"audit.notUtf8", "UTF-8ではありません"},
+    {"audit.brokenLines", "壊れた行"},
+    {"audit.tornLine", "途中で切れた最終行"},
+    {"audit.allRead", "読み取られなかったログはありません"},
+    {"audit.notRead.format", "読み取られなかったログ（%@件）"},
+    {"audit.size.format", "%@ KB"},
+    {"audit.lines.format", "%@行目"},
+
+    {"command.unknownPlaceholder.format",
+     "不明な項目「{%@}」（all、tool、percent、tokens、reset、pace、window、age、staleのいずれか）"},
+    {"pace.title", "見込み"},
+    {"pace.usedUp.format", "%@（%@で上限）"},
+    {"status.pace.format", "見込み %@"},
+    {"status.stale.format", "（%@のデータ）"},
 });
 
 static_assert(std::ranges::equal(table, textKeys, {}, &DisplayText::key),

@@ -13,8 +13,8 @@
 namespace tallyglass {
 
 /// Every text that a user can see has a key; those of tools and windows stand in their tables. Keys
-/// that end in ".format", and a few older ones, hold placeholders for formatText(). "%{site}" stands
-/// for the domain where new versions are offered.
+/// that end in ".format", and a few older ones, hold placeholders for formatText(). "%{site}"
+/// stands for the domain where new versions are offered.
 inline constexpr auto textKeys = std::to_array<std::string_view>(
     {// What every screen has
      "app.name", "limit.window.unknown", "limit.window.days", "limit.window.minutes",
@@ -42,8 +42,19 @@ inline constexpr auto textKeys = std::to_array<std::string_view>(
      "cli.claude.bridgeReady", "cli.claude.bridgeMissing",
      // Command line
      "report.progress.format", "report.noLogs.format", "command.cannotWrite.format",
-     "command.unknownWord.format", "command.unknownWindow.format",
-     "command.noProgram.format", "command.jsonIsWhole", "command.help"});
+     "command.unknownWord.format", "command.unknownWindow.format", "command.unknownCounting.format",
+     "command.noProgram.format", "command.jsonIsWhole", "command.unknownTool.format",
+     "command.jsonHasAll", "command.help", "age.minutes.format", "age.hours.format",
+     "age.days.format", "explain.others.format", "explain.sum.format", "explain.noLimit",
+     "explain.read.format", "explain.reset.format", "explain.resetPassed.format", "explain.noReset",
+     "explain.otherLimits.format", "explain.endpointLimit.format", "audit.everyRecord",
+     "audit.eachAnswerOnce", "audit.factor", "audit.records", "audit.blocks", "audit.resumed",
+     "audit.innerCopies", "audit.repeats", "audit.replays", "audit.runningTotals", "audit.parts",
+     "audit.earlierRuns", "audit.statedTotals", "audit.tooLarge", "audit.compressed",
+     "audit.unreadable", "audit.notUtf8", "audit.brokenLines", "audit.tornLine", "audit.allRead",
+     "audit.notRead.format", "audit.size.format", "audit.lines.format",
+     "command.unknownPlaceholder.format", "pace.title", "pace.usedUp.format", "status.pace.format",
+     "status.stale.format"});
 
 /// One of the keys: a misspelt one does not compile.
 class TextKey

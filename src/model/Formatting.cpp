@@ -90,6 +90,17 @@ QString formatCompactCountdown(Instant resetDate, Instant now)
     return QString::number(minutesShown(left)) + u'm';
 }
 
+QString formatAge(Instant date, Instant now)
+{
+    const seconds age = remaining(now, date);
+    const QLocale locale;
+    if (age >= 24h)
+        return formatText("age.days.format", {locale.toString(qint64{age / 24h})});
+    if (age >= 1h)
+        return formatText("age.hours.format", {locale.toString(qint64{age / 1h})});
+    return formatText("age.minutes.format", {locale.toString(qint64{age / 1min})});
+}
+
 QString formatClockTime(Instant date, const QTimeZone &zone)
 {
     const auto local = QDateTime::fromMSecsSinceEpoch(date.time_since_epoch().count(), zone);

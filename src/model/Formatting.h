@@ -25,6 +25,9 @@ QString formatResetCountdown(Instant resetDate, Instant now);
 /// The largest unit alone, for small gauges: "3d", "5h", "1m". Not localised, at least "1m".
 QString formatCompactCountdown(Instant resetDate, Instant now);
 
+/// "12分前": the largest unit alone, of what lies in the past.
+QString formatAge(Instant date, Instant now);
+
 /// The time of day in the user's short form, without the date.
 QString formatClockTime(Instant date, const QTimeZone &zone);
 

@@ -37,22 +37,38 @@ SnapshotBuilder::SnapshotBuilder(Instant now, const QTimeZone &zone)
 
 void SnapshotBuilder::add(const UsageEvent &event, std::size_t fileOrder)
 {
-    const auto counts = [&](const WindowInterval &span) { return span.contains(event.date); };
+    addTokens(event.provider, event.date, event.model, event.usage);
+    if (!event.rateLimits.empty())
+        addLimits(event, fileOrder);
+}
+
+void SnapshotBuilder::addTokens(UsageProvider provider, Instant date,
+                                const std::optional<QString> &model, const TokenUsage &usage)
+{
+    const auto counts = [&](const WindowInterval &span) { return span.contains(date); };
     if (std::ranges::none_of(m_intervals, counts))
         return;
 
-    ProviderTotals &totals = m_providers[static_cast<std::size_t>(event.provider)];
+    ProviderTotals &totals = m_providers[static_cast<std::size_t>(provider)];
     // One look-up serves all windows.
-    PerWindow<Tally> *model = event.model ? &totals.models[*event.model] : nullptr;
-    const Tally tally{.tokens = event.usage, .eventCount = 1};
+    PerWindow<Tally> *ofModel = model ? &totals.models[*model] : nullptr;
+    const Tally tally{.tokens = usage, .eventCount = 1};
 
     for (std::size_t window = 0; window < m_intervals.size(); ++window) {
         if (!counts(m_intervals[window]))
             continue;
         totals.all[window].add(tally);
-        if (model)
-            (*model)[window].add(tally);
+        if (ofModel)
+            (*ofModel)[window].add(tally);
+    }
+}
 
+void SnapshotBuilder::addLimits(const UsageEvent &event, std::size_t fileOrder)
+{
+    ProviderTotals &totals = m_providers[static_cast<std::size_t>(event.provider)];
+    for (std::size_t window = 0; window < m_intervals.size(); ++window) {
+        if (!m_intervals[window].contains(event.date))
+            continue;
         for (const RateLimitUsage &limit : event.rateLimits) {
             const bool isOpen = !limit.windowMinutes.has_value();
             if (!isOpen && limit.windowMinutes != factsOf(allWindowKinds[window]).limitMinutes)

@@ -26,6 +26,10 @@ public:
     /// \a fileOrder is the index of the event's file in the order of reading: of two limits with
     /// the same date the one read later holds. The events of one file must come in their order.
     void add(const UsageEvent &event, std::size_t fileOrder);
+    // The two parts of add().
+    void addTokens(UsageProvider provider, Instant date, const std::optional<QString> &model,
+                   const TokenUsage &usage);
+    void addLimits(const UsageEvent &event, std::size_t fileOrder);
     void merge(const SnapshotBuilder &other);
 
     UsageSnapshot build(const UsageBudgets &budgets) const;

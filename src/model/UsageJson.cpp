@@ -218,6 +218,16 @@ QJsonObject toJson(const UsageSnapshot &snapshot)
     return Coder::encode(snapshot).toObject();
 }
 
+QJsonObject toJson(const TokenUsage &usage)
+{
+    return Coder::encode(usage).toObject();
+}
+
+QJsonObject toJson(const RateLimitUsage &limit)
+{
+    return Coder::encode(limit).toObject();
+}
+
 QJsonArray toJson(const std::vector<UsageHistorySample> &samples)
 {
     return Coder::encode(samples).toArray();

@@ -15,6 +15,8 @@ namespace tallyglass {
 /// dates ISO 8601 strings in whole seconds, absent fields are left out.
 QJsonObject toJson(const UsageSnapshot &snapshot);
 QJsonArray toJson(const std::vector<UsageHistorySample> &samples);
+QJsonObject toJson(const TokenUsage &usage);
+QJsonObject toJson(const RateLimitUsage &limit);
 
 /// Reads what toJson() wrote. Nothing when a field is missing, of another type or unknown.
 std::optional<UsageSnapshot> snapshotFromJson(const QJsonObject &json);

@@ -31,6 +31,8 @@ constexpr std::array<ProviderFacts, allProviders.size()> table{{
         .markHasHoles = true,
         .hints = {"openai"},
         .logFolders = {".codex/sessions"},
+        .homeVariable = "CODEX_HOME",
+        .movedLogFolder = "sessions",
         .executable = "codex",
         .otherPaths = {"/Applications/Codex.app/Contents/Resources/codex"},
         .dataFolder = ".codex",
@@ -45,6 +47,8 @@ constexpr std::array<ProviderFacts, allProviders.size()> table{{
         .mark = claudeMark,
         .hints = {"claude", "anthropic"},
         .logFolders = {".claude", "Library/Application Support/Claude/local-agent-mode-sessions"},
+        .homeVariable = "CLAUDE_CONFIG_DIR",
+        .movedLogFolder = "",
         .executable = "claude",
         .dataFolder = ".claude",
     },
@@ -60,6 +64,8 @@ constexpr std::array<ProviderFacts, allProviders.size()> table{{
         .markHasHoles = true,
         .hints = {"copilot", "github"},
         .logFolders = {".copilot/session-state"},
+        .homeVariable = "COPILOT_HOME",
+        .movedLogFolder = "session-state",
         .logFormat = LogFormat::CopilotSessions,
         .executable = "copilot",
         .dataFolder = ".copilot",
@@ -72,7 +78,8 @@ static_assert(std::ranges::all_of(table,
                                           && facts.shortName.key && facts.installHint.key
                                           && facts.tint.red + facts.tint.green + facts.tint.blue > 0
                                           && facts.mark && facts.executable && facts.dataFolder
-                                          && !facts.hints.isEmpty() && !facts.logFolders.isEmpty();
+                                          && !facts.hints.isEmpty() && !facts.logFolders.isEmpty()
+                                          && facts.homeVariable && facts.movedLogFolder;
                                   }),
               "a tool lacks its row, or the row a fact");
 

@@ -52,6 +52,8 @@ struct ProviderFacts
 
     FewNames hints; ///< what records call the tool or its maker, in lower case
     FewNames logFolders; ///< below the home folder
+    const char *homeVariable = nullptr; ///< of the environment: moves the tool's data elsewhere
+    const char *movedLogFolder = nullptr; ///< below that place; empty: the place itself
     LogFormat logFormat = LogFormat::Records;
 
     const char *executable = nullptr;

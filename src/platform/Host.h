@@ -1,7 +1,11 @@
 #pragma once
 
+#include "model/UsageProvider.h"
+
 #include <QString>
 #include <QStringList>
+
+#include <array>
 
 namespace tallyglass {
 
@@ -17,6 +21,8 @@ struct Host
     QString homeFolder;
     QString temporaryFolder;
     QStringList searchPath; ///< the folders of PATH, in order
+    /// Where the environment tells each tool to keep its data; empty where it does not.
+    std::array<QString, allProviders.size()> movedHomes;
 
     QString bundleIdentifier; ///< empty when the program runs without a bundle
     QString shortVersion; ///< "1.4.0", empty when unknown

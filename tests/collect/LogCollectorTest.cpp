@@ -33,15 +33,15 @@ private Q_SLOTS:
         std::array<std::map<std::size_t, std::vector<UsageEvent>>, 2> collected;
         std::vector<EventSink> sinks;
         for (auto &events : collected) {
-            sinks.emplace_back([&events](std::size_t file, std::span<const UsageEvent> taken) {
-                events[file] = {taken.begin(), taken.end()};
+            sinks.emplace_back([&events](const FileEvents &taken) {
+                events[taken.order] = {taken.events.begin(), taken.events.end()};
             });
         }
         CollectionProgress progress;
-        collectEvents(home.path(), Instant{}, zone, sinks, progress);
+        collectEvents({.homeFolder = home.path()}, Instant{}, zone, sinks, progress);
         collected[0].merge(collected[1]);
 
-        const auto files = findLogFiles(home.path().toStdString(), Instant{});
+        const auto files = findLogFiles({.homeFolder = home.path()}, Instant{});
         QCOMPARE(files.size(), std::size_t{480});
         QCOMPARE(collected[0].size(), files.size());
         std::map<UsageProvider, std::size_t> eventCounts;

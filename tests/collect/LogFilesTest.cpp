@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 using namespace tallyglass;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -16,7 +17,7 @@ namespace {
 QStringList found(const test::TemporaryHome &home, Instant cutoff = Instant{})
 {
     QStringList paths;
-    for (const LogFile &file : findLogFiles(home.path().toStdString(), cutoff))
+    for (const LogFile &file : findLogFiles({.homeFolder = home.path()}, cutoff))
         paths += QDir(home.path()).relativeFilePath(QString::fromStdString(file.path));
     return paths;
 }
@@ -103,11 +104,37 @@ private Q_SLOTS:
             home.write(path, "12345");
         QCOMPARE(found(home), paths);
 
-        const auto files = findLogFiles(home.path().toStdString(), Instant{});
+        const auto files = findLogFiles({.homeFolder = home.path()}, Instant{});
         QCOMPARE(files.front().size, 5);
         QVERIFY(!files.front().isDocument);
         QVERIFY(files[2].isDocument);
         QCOMPARE(files.back().provider, UsageProvider::Claude);
+    }
+
+    void movedHomes()
+    {
+        const test::TemporaryHome home;
+        const auto files = [&](const QString &codex, const QString &claude) {
+            Host host{.homeFolder = home.path()};
+            host.movedHomes = {codex, claude, home.path(u"none"_s)};
+            QStringList paths;
+            for (const LogFile &file : findLogFiles(host, Instant{}))
+                paths += QDir(home.path()).relativeFilePath(QString::fromStdString(file.path));
+            return paths.join(u' ');
+        };
+        for (const QString &path :
+             {u".codex/sessions/a.log"_s, u".codex/log/b.log"_s, u".claude/c.log"_s,
+              u"moved/sessions/d.log"_s, u"moved/e.log"_s})
+            home.write(path);
+        const QString usual = u".codex/sessions/a.log .claude/c.log"_s;
+        const QString moved = home.path(u"moved"_s);
+        QCOMPARE(files({}, {}), usual);
+        QCOMPARE(files(moved, {}), usual + u" moved/sessions/d.log"_s);
+        QCOMPARE(files(moved, moved), usual + u" moved/sessions/d.log moved/e.log"_s);
+        // Above, within and the same as the usual folder.
+        QCOMPARE(files({}, home.path()),
+                 usual + u" .codex/log/b.log moved/e.log moved/sessions/d.log"_s);
+        QCOMPARE(files(home.path(u".codex"_s), home.path(u".claude/"_s)), usual);
     }
 
     void linksAndPipes()

@@ -316,7 +316,24 @@ AIコーディングCLI（%2$@）の使用量を表示します。
   （なし）           トレイに常駐し、5分ごとに集計します
   report             ログを一度集計して表で表示します。ネットワークには接続せず、ファイルも書きません
     --window 期間    %1$@のいずれかだけを表示します
+    --count 数え方   every（ログの記録すべて、既定）またはonce（同じ回答は1回だけ）
     --json           usage_snapshot.jsonと同じJSONを出力します
+  explain            表示される数値の内訳を、記録のファイルと行とともに表示します
+    --window 期間    %1$@のいずれか（既定はfiveHours）
+    --tool ツール    %3$@のいずれかだけを表示します
+    --model モデル   このモデルの記録だけを表示します
+    --count 数え方   reportと同じ
+    --all            すべての記録と上限の読み取りを表示します
+    --json           1行に1つのJSONオブジェクトを出力します
+  audit              2つの数え方の差を原因ごとに示し、読み取られなかったログを一覧します
+    --window 期間    %1$@のいずれかだけを表示します
+    --json           JSONを出力します
+  status             前回保存された集計を1行で表示します（プロンプトやステータスバー用）
+    --window 期間    %1$@のいずれか（既定はfiveHours）
+    --tool ツール    %3$@のいずれかだけを表示します
+    --format 書式    {all}、最も使ったツールの{tool}、{percent}、{tokens}、{reset}、{pace}、
+                     {window}、{age}、{stale}を置き換えた行
+    --json           Waybarのカスタムモジュール用のJSONを出力します
   bridge             Claude Codeのステータスラインから上限を受け取るブリッジを管理します
                      （--install、--uninstall、--status）
 
@@ -332,7 +349,24 @@ Commands:
   (none)             stays in the tray and counts every five minutes
   report             counts the logs once and prints a table; uses no network, writes no file
     --window WINDOW  prints one window only: %1$@
+    --count COUNTING every (record of the logs, unless told) or once (each answer)
     --json           prints the same JSON as usage_snapshot.json
+  explain            lists the records behind a figure, each with its file and line
+    --window WINDOW  one of %1$@; five hours otherwise
+    --tool TOOL      one of %3$@
+    --model MODEL    only records that name this model
+    --count COUNTING as for report
+    --all            every record and every reading of the limit
+    --json           prints one JSON object a line
+  audit              shows both ways of counting, why they differ, and logs that are not read
+    --window WINDOW  shows only one of %1$@
+    --json           prints JSON
+  status             prints one line of what was stored last, for a prompt or a status bar
+    --window WINDOW  one of %1$@; five hours otherwise
+    --tool TOOL      one of %3$@
+    --format FORMAT  the line, with {all}; {tool}, {percent}, {tokens}, {reset}, {pace} of the tool
+                     used most; {window}, {age}, {stale}
+    --json           prints JSON for a custom module of Waybar
   bridge             gets Claude Code's limits from its status line
                      (--install, --uninstall, --status)
 
@@ -340,6 +374,178 @@ Options:
   --demo             uses made-up logs in place of your home folder
   --help             prints this help
   --version          prints the version</translation>
+    </message>
+    <message id="command.unknownCounting.format">
+        <source>不明な数え方「%@」（every、onceのいずれか）</source>
+        <translation>unknown way of counting "%@" (one of every, once)</translation>
+    </message>
+    <message id="command.unknownTool.format">
+        <source>不明なツール「%@」（%@のいずれか）</source>
+        <translation>unknown tool "%@" (one of %@)</translation>
+    </message>
+    <message id="command.jsonHasAll">
+        <source>--jsonは常にすべてを出力するため、--allと併用できません</source>
+        <translation>--json always prints everything and cannot be combined with --all</translation>
+    </message>
+    <message id="age.minutes.format">
+        <source>%d分前</source>
+        <translation>%d min ago</translation>
+    </message>
+    <message id="age.hours.format">
+        <source>%d時間前</source>
+        <translation>%d h ago</translation>
+    </message>
+    <message id="age.days.format">
+        <source>%d日前</source>
+        <translation>%d d ago</translation>
+    </message>
+    <message id="explain.others.format">
+        <source>ほか%@件（--allで表示）</source>
+        <translation>%@ more (--all shows them)</translation>
+    </message>
+    <message id="explain.sum.format">
+        <source>合計（%@件）</source>
+        <translation>sum (%@ records)</translation>
+    </message>
+    <message id="explain.noLimit">
+        <source>ツールが報告した上限はありません</source>
+        <translation>No tool reports a limit</translation>
+    </message>
+    <message id="explain.read.format">
+        <source>読み取り %@（%@）</source>
+        <translation>read %@ (%@)</translation>
+    </message>
+    <message id="explain.reset.format">
+        <source>リセット %@（%@）</source>
+        <translation>resets %@ (%@)</translation>
+    </message>
+    <message id="explain.resetPassed.format">
+        <source>リセット %@（経過済み）</source>
+        <translation>reset %@ (has passed)</translation>
+    </message>
+    <message id="explain.noReset">
+        <source>リセット時刻なし</source>
+        <translation>no reset time</translation>
+    </message>
+    <message id="explain.otherLimits.format">
+        <source>採用されなかった読み取り %@件</source>
+        <translation>%@ other readings, not used</translation>
+    </message>
+    <message id="explain.endpointLimit.format">
+        <source>保存された集計の上限 %@（Claude使用量APIから）</source>
+        <translation>Limit of the stored figures %@ (from the Claude usage API)</translation>
+    </message>
+    <message id="audit.everyRecord">
+        <source>記録すべて</source>
+        <translation>Every record</translation>
+    </message>
+    <message id="audit.eachAnswerOnce">
+        <source>回答1回ずつ</source>
+        <translation>Each answer once</translation>
+    </message>
+    <message id="audit.factor">
+        <source>倍率</source>
+        <translation>Factor</translation>
+    </message>
+    <message id="audit.records">
+        <source>記録数</source>
+        <translation>Records</translation>
+    </message>
+    <message id="audit.blocks">
+        <source>同じ回答のブロック</source>
+        <translation>blocks of one answer</translation>
+    </message>
+    <message id="audit.resumed">
+        <source>再開・分岐したファイル</source>
+        <translation>resumed or forked files</translation>
+    </message>
+    <message id="audit.innerCopies">
+        <source>記録の中の写し</source>
+        <translation>copies within records</translation>
+    </message>
+    <message id="audit.repeats">
+        <source>繰り返し</source>
+        <translation>repeats</translation>
+    </message>
+    <message id="audit.replays">
+        <source>分岐元の再生</source>
+        <translation>replays of the parent</translation>
+    </message>
+    <message id="audit.runningTotals">
+        <source>累計値</source>
+        <translation>running totals</translation>
+    </message>
+    <message id="audit.parts">
+        <source>内訳の二重計上</source>
+        <translation>parts counted twice</translation>
+    </message>
+    <message id="audit.earlierRuns">
+        <source>数えられていない実行</source>
+        <translation>runs not counted</translation>
+    </message>
+    <message id="audit.statedTotals">
+        <source>記載された合計との差</source>
+        <translation>beside stated totals</translation>
+    </message>
+    <message id="audit.tooLarge">
+        <source>大きすぎるファイル</source>
+        <translation>too large</translation>
+    </message>
+    <message id="audit.compressed">
+        <source>圧縮されたファイル</source>
+        <translation>compressed</translation>
+    </message>
+    <message id="audit.unreadable">
+        <source>読み取れません</source>
+        <translation>unreadable</translation>
+    </message>
+    <message id="audit.notUtf8">
+        <source>UTF-8ではありません</source>
+        <translation>not UTF-8</translation>
+    </message>
+    <message id="audit.brokenLines">
+        <source>壊れた行</source>
+        <translation>broken lines</translation>
+    </message>
+    <message id="audit.tornLine">
+        <source>途中で切れた最終行</source>
+        <translation>torn last line</translation>
+    </message>
+    <message id="audit.allRead">
+        <source>読み取られなかったログはありません</source>
+        <translation>Every log was read</translation>
+    </message>
+    <message id="audit.notRead.format">
+        <source>読み取られなかったログ（%@件）</source>
+        <translation>Logs that were not read, or not all of them (%@)</translation>
+    </message>
+    <message id="audit.size.format">
+        <source>%@ KB</source>
+        <translation>%@ KB</translation>
+    </message>
+    <message id="audit.lines.format">
+        <source>%@行目</source>
+        <translation>line %@</translation>
+    </message>
+    <message id="command.unknownPlaceholder.format">
+        <source>不明な項目「{%@}」（all、tool、percent、tokens、reset、pace、window、age、staleのいずれか）</source>
+        <translation>unknown placeholder "{%@}" (one of all, tool, percent, tokens, reset, pace, window, age, stale)</translation>
+    </message>
+    <message id="pace.title">
+        <source>見込み</source>
+        <translation>At reset</translation>
+    </message>
+    <message id="pace.usedUp.format">
+        <source>%@（%@で上限）</source>
+        <translation>%@ (used up in %@)</translation>
+    </message>
+    <message id="status.pace.format">
+        <source>見込み %@</source>
+        <translation>at reset %@</translation>
+    </message>
+    <message id="status.stale.format">
+        <source>（%@のデータ）</source>
+        <translation>(figures of %@)</translation>
     </message>
     <message id="provider.codex">
         <source>Codex</source>
