@@ -48,6 +48,7 @@ int start(const command::Start &start)
     const QuitSignals quitSignals;
     QObject::connect(&quitSignals, &QuitSignals::received, &QCoreApplication::quit);
     Ports ports = makePorts(home.path());
+    ports.host.movedHomes = home.movedHomes();
     if (start.inDemoHome) {
         ports.host.claudeApi.clear(); // nobody is asked about made-up limits
         ports.host.feedUrl.clear();

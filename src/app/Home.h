@@ -2,6 +2,7 @@
 
 #include "app/DemoHome.h"
 #include "model/Instant.h"
+#include "platform/Host.h"
 
 #include <QDir>
 
@@ -25,6 +26,19 @@ public:
     }
 
     QString path() const { return m_demo ? m_demo->path() : QDir::homePath(); }
+
+    /// Where the environment tells each tool to keep its data.
+    decltype(Host::movedHomes) movedHomes() const
+    {
+        decltype(Host::movedHomes) moved;
+        for (std::size_t i = 0; i < moved.size() && !m_demo; ++i) {
+            const QString path = qEnvironmentVariable(factsOf(allProviders[i]).homeVariable);
+            // A relative one depends on the folder in which a tool is started.
+            if (QDir::isAbsolutePath(path))
+                moved[i] = QDir::cleanPath(path);
+        }
+        return moved;
+    }
 
 private:
     std::optional<DemoHome> m_demo;

@@ -3,6 +3,7 @@
 #include "app/TerminalText.h"
 #include "model/DisplayTexts.h"
 #include "model/Formatting.h"
+#include "model/Pace.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,17 @@ namespace tallyglass {
 
 namespace {
 
-enum Column : std::uint8_t { Name, Used, Tokens, Limit, Reset, Events, Models, ColumnCount };
+enum Column : std::uint8_t {
+    Name,
+    Used,
+    Tokens,
+    Limit,
+    Reset,
+    AtReset,
+    Events,
+    Models,
+    ColumnCount
+};
 
 using Cells = std::array<QString, ColumnCount>;
 
@@ -57,6 +68,8 @@ Cells cells(const ProviderUsageSummary &provider, Instant now)
     cells[Limit] = limitText(limit);
     cells[Reset] =
         limit && limit->resetDate ? formatResetCountdown(*limit->resetDate, now) : nothing;
+    const auto pace = limit ? paceOf(*limit, now) : std::nullopt;
+    cells[AtReset] = pace ? paceText(*pace, now) : nothing;
     cells[Events] = QString::number(provider.eventCount);
     cells[Models] = provider.hasActivity() ? topModels(provider.models) : QString();
     return cells;
@@ -69,6 +82,7 @@ Cells headings()
     cells[Tokens] = displayText("summary.total");
     cells[Limit] = displayText("limit.window.unknown");
     cells[Reset] = displayText("metric.resetRemaining");
+    cells[AtReset] = displayText("pace.title");
     cells[Events] = displayText("metric.events");
     cells[Models] = displayText("metric.topModels");
     return cells;
@@ -112,7 +126,7 @@ public:
     void fit()
     {
         constexpr int leastText = 8; // Less of a text tells nothing.
-        for (const Column column : {Models, Events, Limit, Name}) {
+        for (const Column column : {Models, Events, AtReset, Limit, Name}) {
             const int excess = lineWidth() - m_style.width;
             if (excess <= 0)
                 return;

@@ -129,4 +129,14 @@ QString elided(const QString &text, int width)
     return kept + u'…';
 }
 
+QString elidedAtStart(const QString &text, int width)
+{
+    if (displayWidth(text) <= width)
+        return text;
+    qsizetype from = 0;
+    while (from < text.size() && displayWidth(QStringView(text).mid(from)) > width - 1)
+        from += text[from].isHighSurrogate() ? 2 : 1;
+    return width < 1 ? QString() : u'…' + text.mid(from);
+}
+
 } // namespace tallyglass

@@ -20,5 +20,7 @@ QString paddedLeft(const QString &text, int width);
 
 /// Cuts a text to \a width columns, the last of them then "…".
 QString elided(const QString &text, int width);
+/// The same at the other end.
+QString elidedAtStart(const QString &text, int width);
 
 } // namespace tallyglass

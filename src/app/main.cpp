@@ -1,8 +1,11 @@
+#include "app/Audit.h"
 #include "app/CommandLine.h"
+#include "app/Explain.h"
 #include "app/Home.h"
 #include "app/Language.h"
 #include "app/Output.h"
 #include "app/Report.h"
+#include "app/Status.h"
 #include "model/DisplayTexts.h"
 
 #include <QCoreApplication>
@@ -52,6 +55,21 @@ int run(const command::Misuse &misuse)
 int run(const command::Report &report)
 {
     return runReport(report, currentInstant());
+}
+
+int run(const command::Audit &audit)
+{
+    return runAudit(audit, currentInstant());
+}
+
+int run(const command::Explain &explain)
+{
+    return runExplain(explain, currentInstant());
+}
+
+int run(const command::Status &status)
+{
+    return runStatus(status, Host{.homeFolder = QDir::homePath()}, currentInstant());
 }
 
 /// Becomes another program, whose path counts from this one's folder. Returns only when that fails.

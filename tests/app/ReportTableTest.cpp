@@ -57,12 +57,14 @@ private Q_SLOTS:
     {
         // Japanese characters take two columns each.
         const auto expected = QStringLiteral(
-            "                  使用量  合計  上限     リセットまで   イベント  トップモデル\n"
+            "                  使用量  合計  上限     リセットまで   見込み  イベント  "
+            "トップモデル\n"
             "5h\n"
-            "  Codex              65%  1.2M  5h Plus  あと1時間47分        12  モデル情報なし\n"
-            "  Claude Code        ~5%   50K  --       --                    3  "
+            "  Codex              65%  1.2M  5h Plus  あと1時間47分  100%          12  "
+            "モデル情報なし\n"
+            "  Claude Code        ~5%   50K  --       --             --             3  "
             "opus 25K, 漢字 20K, sonnet 3K, +1\n"
-            "  GitHub Copilot      --     0  --       --                    0\n");
+            "  GitHub Copilot      --     0  --       --             --             0\n");
         QCOMPARE(tableOf(fiveHours(), {}), expected);
     }
 
@@ -79,7 +81,7 @@ private Q_SLOTS:
             QCOMPARE(table.contains(QStringLiteral("GitHub Copilot")), width >= 45);
             QCOMPARE(table.contains(QStringLiteral("5h Plus")), width >= 54);
             QCOMPARE(table.contains(QStringLiteral("haiku")), false);
-            QCOMPARE(table.contains(QStringLiteral("sonnet 3K, +1")), width >= 99);
+            QCOMPARE(table.contains(QStringLiteral("sonnet 3K, +1")), width >= 107);
         }
     }
 
