@@ -85,6 +85,9 @@ constexpr auto table = std::to_array<DisplayText>({
     {"alerts.threshold.format", "しきい値 %@"},
     {"alerts.body", "%1$@ の使用量が %2$@ に達しました"},
     {"budgets.section", "トークン予算(%推定用)"},
+    {"settings.countsAnswersOnce", "同じ回答は1回だけ数える"},
+    {"settings.countsAnswersOnce.note",
+     "ログには同じ回答が何度も記録されます。オフのときは、記録をすべて数えます。"},
     {"cli.claude.bridgeReady", "Claude CodeのstatusLineブリッジは設定済みです。"},
     {"cli.claude.bridgeMissing",
      "Claude "

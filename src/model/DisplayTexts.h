@@ -39,7 +39,8 @@ inline constexpr auto textKeys = std::to_array<std::string_view>(
      "settings.data.format", "settings.widgetSection", "settings.widgetNote",
      "settings.launchAtLogin", "settings.launchAtLogin.needsApproval", "alerts.enable",
      "alerts.needsApproval", "alerts.threshold.format", "alerts.body", "budgets.section",
-     "cli.claude.bridgeReady", "cli.claude.bridgeMissing",
+     "settings.countsAnswersOnce", "settings.countsAnswersOnce.note", "cli.claude.bridgeReady",
+     "cli.claude.bridgeMissing",
      // Command line
      "report.progress.format", "report.noLogs.format", "command.cannotWrite.format",
      "command.unknownWord.format", "command.unknownWindow.format", "command.unknownCounting.format",

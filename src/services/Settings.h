@@ -21,6 +21,7 @@ namespace settings {
 inline constexpr Setting<const char *> selectedWindow{"selectedWindow", "fiveHours"};
 inline constexpr Setting<const char *> historyRange{"historyRange", "day"};
 inline constexpr Setting<bool> alertsEnabled{"alertsEnabled", false};
+inline constexpr Setting<bool> countsAnswersOnce{"countsAnswersOnce", false};
 inline constexpr Setting<double> alertThreshold{"alertThreshold", 0.8}; // fraction of a window
 
 } // namespace settings

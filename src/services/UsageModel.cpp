@@ -2,6 +2,7 @@
 
 #include "services/ClaudeCredentials.h"
 #include "services/EndpointLimits.h"
+#include "services/Settings.h"
 #include "services/TakeSnapshot.h"
 #include "services/UsageAlerts.h"
 #include "store/SnapshotFile.h"
@@ -28,12 +29,13 @@ struct SnapshotJob
     Host host;
     Instant now;
     QTimeZone zone;
+    Counting counting;
 };
 
 UsageSnapshot runSnapshotJob(const SnapshotJob &job)
 {
     CollectionProgress unseen;
-    return takeSnapshot(job.host, job.now, job.zone, unseen);
+    return takeSnapshot(job.host, job.now, job.zone, unseen, job.counting);
 }
 
 } // namespace
@@ -96,7 +98,10 @@ QCoro::Task<> UsageModel::refresh()
 
     co_await recheckCLIs();
 
-    const SnapshotJob job{m_ports.host, m_ports.clock->now(), m_ports.clock->zone()};
+    const SnapshotJob job{m_ports.host, m_ports.clock->now(), m_ports.clock->zone(),
+                          stored(*m_ports.defaults, settings::countsAnswersOnce)
+                              ? Counting::EachAnswerOnce
+                              : Counting::EveryRecord};
     co_await publishSnapshot(co_await QtConcurrent::run(runSnapshotJob, job));
 
     const std::vector<RateLimitUsage> limits = co_await m_api.fetchLimits();

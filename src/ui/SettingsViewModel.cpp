@@ -136,6 +136,20 @@ void SettingsViewModel::openSite()
     QDesktopServices::openUrl(QUrl(QStringLiteral(TALLYGLASS_SITE)));
 }
 
+bool SettingsViewModel::countsAnswersOnce() const
+{
+    return stored(*m_ports.defaults, settings::countsAnswersOnce);
+}
+
+void SettingsViewModel::setCountsAnswersOnce(bool once)
+{
+    if (once == countsAnswersOnce())
+        return;
+    store(*m_ports.defaults, settings::countsAnswersOnce, once);
+    m_model.refresh();
+    Q_EMIT countingChanged();
+}
+
 bool SettingsViewModel::launchAtLogin() const
 {
     return m_ports.loginItem->isEnabled();

@@ -24,6 +24,8 @@ class SettingsViewModel : public QObject
         bool alertsEnabled READ alertsEnabled WRITE setAlertsEnabled NOTIFY alertsChanged FINAL)
     Q_PROPERTY(double alertThreshold READ alertThreshold WRITE setAlertThreshold NOTIFY
                    alertsChanged FINAL)
+    Q_PROPERTY(bool countsAnswersOnce READ countsAnswersOnce WRITE setCountsAnswersOnce NOTIFY
+                   countingChanged FINAL)
     Q_PROPERTY(QString thresholdText READ thresholdText NOTIFY alertsChanged FINAL)
     Q_PROPERTY(double lowestThreshold READ lowestThreshold CONSTANT FINAL)
     Q_PROPERTY(double highestThreshold READ highestThreshold CONSTANT FINAL)
@@ -65,6 +67,10 @@ public:
     Q_INVOKABLE void checkForUpdates();
     Q_INVOKABLE void openSite();
 
+    bool countsAnswersOnce() const;
+    /// Counts again at once.
+    void setCountsAnswersOnce(bool once);
+
     bool launchAtLogin() const;
     void setLaunchAtLogin(bool enabled);
     /// The system's own words about the last attempt when it failed, else what the user still has
@@ -80,6 +86,7 @@ Q_SIGNALS:
     void cliRowsChanged();
     void apiStatusTextChanged();
     void alertsChanged();
+    void countingChanged();
     void updaterChanged();
     void loginItemChanged();
 

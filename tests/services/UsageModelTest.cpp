@@ -103,6 +103,23 @@ private Q_SLOTS:
         QVERIFY(!machine.model.isRefreshing());
     }
 
+    void countsAsTheSettingSays()
+    {
+        Machine machine;
+        QByteArray record =
+            R"({"timestamp":"NOW","message":{"id":"msg_1","usage":{"input_tokens":1000}}})";
+        record.replace("NOW", formatIsoDateTime(machine.fake.clock.now() - 60s).toUtf8());
+        machine.home.write(QStringLiteral(".claude/projects/p/s.jsonl"), record + '\n' + record);
+        machine.touchLogs();
+        for (const bool isOnce : {false, true, false}) {
+            machine.fake.defaults.values.insert(QStringLiteral("countsAnswersOnce"), isOnce);
+            QCoro::waitFor(machine.model.refresh());
+            const auto claude =
+                machine.window(UsageWindowKind::Week).summary(UsageProvider::Claude);
+            QCOMPARE(claude.tokens.totalTokens(), isOnce ? 1'000 : 2'000);
+        }
+    }
+
     void startsFromTheLastSnapshot()
     {
         Machine machine;

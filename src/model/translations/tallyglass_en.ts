@@ -547,6 +547,14 @@ Options:
         <source>（%@のデータ）</source>
         <translation>(figures of %@)</translation>
     </message>
+    <message id="settings.countsAnswersOnce">
+        <source>同じ回答は1回だけ数える</source>
+        <translation>Count each answer once</translation>
+    </message>
+    <message id="settings.countsAnswersOnce.note">
+        <source>ログには同じ回答が何度も記録されます。オフのときは、記録をすべて数えます。</source>
+        <translation>Logs repeat answers; as it is, every record counts.</translation>
+    </message>
     <message id="provider.codex">
         <source>Codex</source>
         <translation>Codex</translation>

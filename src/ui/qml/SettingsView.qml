@@ -151,6 +151,17 @@ ColumnLayout {
                 }
             }
         }
+
+        SettingsSwitch {
+            objectName: "countsAnswersOnce"
+            text: Texts.text("settings.countsAnswersOnce")
+            checked: root.viewModel.countsAnswersOnce
+            onToggled: root.viewModel.countsAnswersOnce = checked
+        }
+
+        SettingsNote {
+            text: Texts.text("settings.countsAnswersOnce.note")
+        }
     }
 
     SettingsSection {
