@@ -9,7 +9,6 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <QElapsedTimer>
 #include <QLocalServer>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -81,6 +80,7 @@ private Q_SLOTS:
     void cleanup()
     {
         QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
         QFile::remove(socket());
     }
 
@@ -90,8 +90,6 @@ private Q_SLOTS:
         QVERIFY(!isSilentBus(sessionBusAddress())); // there is none
         QLocalServer silent;
         QVERIFY(silent.listen(socket()));
-        QElapsedTimer time;
-        time.start();
         QVERIFY(isSilentBus(sessionBusAddress()));
         qunsetenv("DBUS_SESSION_BUS_ADDRESS");
         QVERIFY(isSilentBus(sessionBusAddress())); // which is the same by its usual place
@@ -99,14 +97,7 @@ private Q_SLOTS:
         QCOMPARE(qgetenv("DBUS_SYSTEM_BUS_ADDRESS"), qgetenv("DBUS_SESSION_BUS_ADDRESS"));
         QVERIFY(!isSilentBus(sessionBusAddress()));
         initTestCase();
-
-        {
-            const auto notifier = makeDesktopNotifier();
-            notifier->post(notification);
-            QThreadPool::globalInstance()->waitForDone();
-            QCoreApplication::processEvents();
-        }
-        QVERIFY(time.elapsed() < 10'000);
+        makeDesktopNotifier()->post(notification); // given up in cleanup()
     }
 
     void theBodyIsPlainText()
@@ -128,22 +119,10 @@ private Q_SLOTS:
                          ? QStringLiteral("&lt;b&gt;R&amp;D&lt;/b&gt; の使用量が 80% に達しました")
                          : notification.body);
             QVERIFY(qdbus_cast<QVariantMap>(arguments[6]).contains(QStringLiteral("sound-name")));
+            daemon.answers.clear();
+            notifier->post(notification); // for whose question there is no answer
+            QTRY_COMPARE(daemon.asked[capabilities].size(), 2);
         }
-    }
-
-    void aDaemonThatNeverAnswersHoldsNothingUp()
-    {
-        const test::PrivateBus bus(m_folder.path());
-        FakeService daemon(address(), notifications, notificationsPath);
-        QElapsedTimer time;
-        time.start();
-        {
-            const auto notifier = makeDesktopNotifier();
-            notifier->post(notification);
-            QTRY_COMPARE(daemon.asked[capabilities].size(), 1);
-        }
-        QVERIFY(time.elapsed() < 10'000);
-        QVERIFY(daemon.asked[notify].isEmpty());
     }
 
     void aTrayMayComeAndGo()
