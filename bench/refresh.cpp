@@ -33,6 +33,7 @@ int main(int argc, char *argv[])
 
     const auto start = WallClock::now();
     TallyglassApp tallyglass(makePorts(QString::fromLocal8Bit(argv[1])));
+    tallyglass.model().start();
     const auto constructed = WallClock::now();
 
     auto longest = WallClock::duration::zero();

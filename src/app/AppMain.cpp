@@ -5,6 +5,7 @@
 #include "app/SingleInstance.h"
 #include "app/TallyglassApp.h"
 #include "platform/Desktop.h"
+#include "platform/ProcessMemory.h"
 #include "ui/MenuBarExtra.h"
 
 #include <QApplication>
@@ -13,7 +14,7 @@
 #include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 
-#include <array>
+#include <cstdlib>
 
 Q_IMPORT_QML_PLUGIN(TallyglassPlugin)
 
@@ -40,13 +41,14 @@ void chooseRenderer()
 
 int start(const command::Start &start)
 {
+    const QuitSignals quitSignals;
+    QObject::connect(&quitSignals, &QuitSignals::received, &QCoreApplication::quit);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, &QuitSignals::limitEnding);
     const Home home(start.inDemoHome);
     SingleInstance instance(home.path());
     if (!instance.claim())
         return 0; // The first one was asked to show itself.
 
-    const QuitSignals quitSignals;
-    QObject::connect(&quitSignals, &QuitSignals::received, &QCoreApplication::quit);
     Ports ports = makePorts(home.path());
     ports.host.movedHomes = home.movedHomes();
     if (start.inDemoHome) {
@@ -55,6 +57,8 @@ int start(const command::Start &start)
         ports.keychain.reset(); // nor for the user's token
     }
     TallyglassApp application(std::move(ports));
+    keepMemoryPrivate(); // before there is a token in it
+    application.model().start();
     MenuBarExtra extra(application.model(), application.updater(), application.ports());
     QObject::connect(&instance, &SingleInstance::showRequested, &extra, &MenuBarExtra::openPanel);
     if (start.inDemoHome)
@@ -77,7 +81,9 @@ int main(int argc, char *argv[])
     QGuiApplication::setQuitOnLastWindowClosed(false); // it lives in the tray
 
     const Command command = parseCommandLine(QCoreApplication::arguments().mid(1));
+    // All that is ours has ended in order by then. Threads that hang, in a disk or a bus that does
+    // not answer, are not waited for.
     if (const auto *chosen = std::get_if<command::Start>(&command))
-        return start(*chosen);
+        std::_Exit(start(*chosen));
     return 2; // Commands are read by the program that starts this one.
 }

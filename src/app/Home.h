@@ -7,12 +7,25 @@
 #include <QDir>
 
 #include <optional>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace tallyglass {
 
 inline Instant currentInstant()
 {
     return std::chrono::floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
+}
+
+/// The user's home folder: as the environment names it, else as the system's list of users does.
+/// The environment has it afterwards, for the programs that we start.
+inline QString userHome()
+{
+    if (qEnvironmentVariableIsEmpty("HOME")) {
+        if (const passwd *user = getpwuid(getuid()))
+            qputenv("HOME", user->pw_dir);
+    }
+    return QDir::homePath();
 }
 
 /// The home folder that the program works on: the user's, or a made-up one.
@@ -25,7 +38,7 @@ public:
             m_demo.emplace(currentInstant());
     }
 
-    QString path() const { return m_demo ? m_demo->path() : QDir::homePath(); }
+    QString path() const { return m_demo ? m_demo->path() : userHome(); }
 
     /// Where the environment tells each tool to keep its data.
     decltype(Host::movedHomes) movedHomes() const

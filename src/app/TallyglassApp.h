@@ -9,10 +9,12 @@
 namespace tallyglass {
 
 /// Owns every long-lived object of the running program, in the order in which they need each other.
+/// What is shown is made after it and goes before it.
 class TallyglassApp
 {
 public:
     explicit TallyglassApp(Ports ports);
+    /// Ends what is under way. May take a second, when a thread hangs.
     ~TallyglassApp();
     TallyglassApp(const TallyglassApp &) = delete;
     TallyglassApp &operator=(const TallyglassApp &) = delete;
@@ -23,6 +25,7 @@ public:
 
 private:
     Ports m_ports;
+    Workers m_workers;
     ClaudeUsageAPI m_api;
     AppUpdateChecker m_updates;
     UsageModel m_model;

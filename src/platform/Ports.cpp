@@ -8,6 +8,7 @@ HttpClient::~HttpClient() = default;
 Keychain::~Keychain() = default;
 LoginItem::~LoginItem() = default;
 ProcessRunner::~ProcessRunner() = default;
+Timer::~Timer() = default;
 UserDefaults::~UserDefaults() = default;
 WidgetCentre::~WidgetCentre() = default;
 

@@ -21,7 +21,9 @@ public:
     virtual ~Keychain();
 
     /// The data of the generic password item of a service; nothing when there is none or it is
-    /// refused. May wait for the user's consent: never called on the main thread.
+    /// refused. May wait for the user's consent, as long as the user likes: never called on the
+    /// main thread. Only a refusal of the user's own is remembered; a keychain that is locked, say,
+    /// may be open the next time.
     virtual std::optional<QByteArray> genericPassword(const QString &service) const = 0;
 };
 
@@ -125,7 +127,7 @@ struct Ports
     std::unique_ptr<UserDefaults> defaults;
 
     // Null where the system or the build has none.
-    std::unique_ptr<Keychain> keychain;
+    std::shared_ptr<const Keychain> keychain; ///< shared with questions that are still open
     std::unique_ptr<WidgetCentre> widgets;
     std::unique_ptr<UpdaterEngine> updater;
 };

@@ -1,11 +1,12 @@
 #pragma once
 
 #include "model/Instant.h"
-#include "platform/Ports.h"
 
 #include <QByteArray>
 
 #include <optional>
+
+class QJsonDocument;
 
 namespace tallyglass {
 
@@ -19,10 +20,8 @@ struct ClaudeCredentials
     bool operator==(const ClaudeCredentials &) const = default;
 };
 
-/// Looks in the keychain if there is one, and where that has no token, in
-/// ".claude/.credentials.json". A token in the keychain that has expired is final. May wait for the
-/// user's consent: never on the main thread.
-std::optional<ClaudeCredentials> findClaudeCredentials(const Host &host, const Keychain *keychain,
-                                                       Instant now);
+/// The sign-in in a record of the keychain or of the credentials file; nothing when it holds no
+/// token.
+std::optional<ClaudeCredentials> credentialsFrom(const QJsonDocument &record, Instant now);
 
 } // namespace tallyglass

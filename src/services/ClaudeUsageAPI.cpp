@@ -3,11 +3,8 @@
 #include "collect/FieldReaders.h"
 #include "json/JsonReader.h"
 #include "model/UsageWindowKind.h"
-#include "services/ClaudeCredentials.h"
 
-#include <QCoroFuture>
 #include <QHostAddress>
-#include <QtConcurrentRun>
 
 #include <array>
 #include <utility>
@@ -71,11 +68,11 @@ HttpRequest usageRequest(const QString &api, const QByteArray &token)
 } // namespace
 
 ClaudeUsageAPI::ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http,
-                               const Keychain *keychain)
+                               std::shared_ptr<const Keychain> keychain, Workers &workers)
     : m_host(host)
     , m_clock(clock)
     , m_http(http)
-    , m_keychain(keychain)
+    , m_signIn(host.homeFolder, std::move(keychain), workers)
 {
 }
 
@@ -88,8 +85,7 @@ QCoro::Task<std::vector<RateLimitUsage>> ClaudeUsageAPI::fetchLimits()
     // Set before the first wait, so that a second caller meanwhile is answered from the cache.
     m_throttle.pause(now, minInterval);
 
-    const auto credentials = co_await QtConcurrent::run(
-        [this, now] { return findClaudeCredentials(m_host, m_keychain, now); });
+    const auto credentials = co_await m_signIn.find(now);
     if (!credentials) {
         m_status = apistatus::NoToken{};
     } else if (!credentials->accessToken) {
@@ -107,6 +103,7 @@ QCoro::Task<std::vector<RateLimitUsage>> ClaudeUsageAPI::fetchLimits()
 void ClaudeUsageAPI::take(const HttpReply &reply, Instant now)
 {
     constexpr int success = 200;
+    constexpr int unauthorized = 401;
     constexpr int tooManyRequests = 429;
 
     if (!reply.status) {
@@ -115,6 +112,8 @@ void ClaudeUsageAPI::take(const HttpReply &reply, Instant now)
         m_status = apistatus::Http{*reply.status};
         if (*reply.status == tooManyRequests)
             m_throttle.pause(now, pauseAfterTooManyRequests);
+        if (*reply.status == unauthorized)
+            m_signIn.reject();
     } else if (auto limits = limitsFromAnswer(reply.body)) {
         m_cachedLimits = std::move(*limits);
         m_status = apistatus::Ok{now};

@@ -2,7 +2,7 @@
 
 #include "model/RateLimitUsage.h"
 #include "model/Throttle.h"
-#include "platform/Ports.h"
+#include "services/ClaudeSignIn.h"
 #include "services/ClaudeUsageAPIStatus.h"
 
 #include <QCoroTask>
@@ -20,10 +20,12 @@ namespace tallyglass {
 class ClaudeUsageAPI
 {
 public:
-    ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http, const Keychain *keychain);
+    ClaudeUsageAPI(const Host &host, Clock &clock, HttpClient &http,
+                   std::shared_ptr<const Keychain> keychain, Workers &workers);
 
     QCoro::Task<std::vector<RateLimitUsage>> fetchLimits();
     const ClaudeUsageAPIStatus &status() const { return m_status; }
+    ClaudeSignIn &signIn() { return m_signIn; }
 
 private:
     void take(const HttpReply &reply, Instant now);
@@ -31,7 +33,7 @@ private:
     const Host &m_host;
     Clock &m_clock;
     HttpClient &m_http;
-    const Keychain *m_keychain;
+    ClaudeSignIn m_signIn;
 
     ClaudeUsageAPIStatus m_status;
     std::vector<RateLimitUsage> m_cachedLimits;

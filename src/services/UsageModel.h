@@ -2,6 +2,7 @@
 
 #include "model/UsageHistorySample.h"
 #include "model/UsageSnapshot.h"
+#include "platform/Errand.h"
 #include "platform/Ports.h"
 #include "services/CLIDetection.h"
 #include "services/ClaudeUsageAPI.h"
@@ -10,8 +11,8 @@
 
 #include <QCoroTask>
 #include <QObject>
-#include <QPointer>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -22,19 +23,22 @@ class AppUpdateChecker;
 /// The state that people see, and the cycle that renews it. Main thread only; whatever takes time
 /// runs in workers, which are given values and give values back.
 ///
-/// It must outlive the refreshes and renewals that it has begun.
+/// No step of a refresh is waited for without limit, and none that fails stops the others: what it
+/// would have brought stays as it was. After end() whoever waits in the model only has to go on
+/// once more before the model may go.
 class UsageModel : public QObject
 {
     Q_OBJECT
 
 public:
     /// Shows what was stored last.
-    UsageModel(Ports &ports, ClaudeUsageAPI &api, AppUpdateChecker &updates,
+    UsageModel(Ports &ports, ClaudeUsageAPI &api, AppUpdateChecker &updates, Workers &workers,
                QObject *parent = nullptr);
 
-    /// Begins to refresh: at once, then every five minutes and whenever the machine wakes, as
-    /// long as the model lives.
+    /// Begins to refresh: at once, then every five minutes and whenever the machine wakes.
     void start();
+    /// Begins nothing any more. What waits returns as soon as it goes on.
+    void end();
 
     /// One refresh. Returns at once while another runs.
     QCoro::Task<> refresh();
@@ -56,13 +60,19 @@ Q_SIGNALS:
     void changed();
 
 private:
-    static QCoro::Task<> refreshAtStart(QPointer<UsageModel> model);
-    static QCoro::Task<> refreshPeriodically(QPointer<UsageModel> model, Clock *clock);
-    static QCoro::Task<> refreshAndRenew(QPointer<UsageModel> model);
+    QCoro::Task<> refreshAtStart();
+    QCoro::Task<> refreshPeriodically();
+    QCoro::Task<> refreshAfterWaking();
+    QCoro::Task<> refreshAndRenew();
 
+    using Steps = QCoro::Task<> (UsageModel::*)();
+    QCoro::Task<> runFlagged(bool UsageModel::*flag, Steps steps);
+    QCoro::Task<> runRefresh();
+    QCoro::Task<> runTokenRefresh();
     QCoro::Task<> refreshTokenIfDue();
     QCoro::Task<> publishSnapshot(UsageSnapshot snapshot);
     QCoro::Task<> saveSnapshot();
+    std::optional<QString> claudeProgram() const;
 
     template<typename Value>
     void publish(Value &field, Value value);
@@ -71,6 +81,10 @@ private:
     ClaudeUsageAPI &m_api;
     AppUpdateChecker &m_updates;
     StorageLocations m_locations;
+    Errand<std::vector<CLIInstallStatus>> m_detection;
+    Errand<UsageSnapshot> m_collection;
+    Errand<bool> m_saving;
+    Errand<std::vector<UsageHistorySample>> m_recording;
 
     UsageSnapshot m_snapshot;
     std::vector<CLIInstallStatus> m_cliStatuses;
@@ -80,6 +94,9 @@ private:
     bool m_isRefreshingToken = false;
     bool m_isRefreshing = false;
 
+    bool m_hasEnded = false;
+    std::unique_ptr<Timer> m_nextRefresh;
+    std::unique_ptr<Timer> m_refreshAfterWaking;
     std::optional<Instant> m_lastAutoTokenRefreshAttempt;
 };
 

@@ -5,15 +5,16 @@
 #include "update/VersionOrder.h"
 #include "update/WebAddress.h"
 
-#include <QCoroFuture>
-#include <QtConcurrentRun>
-
 #include <algorithm>
 #include <utility>
 
 namespace tallyglass {
 
+using namespace std::chrono_literals;
+
 namespace {
+
+constexpr auto longestReading = 30s;
 
 using Item = SparkleAppcastParser::Item;
 
@@ -59,10 +60,12 @@ std::optional<AppUpdateInfo> answerOf(const QByteArray &feed, const Host &runnin
 
 } // namespace
 
-AppUpdateChecker::AppUpdateChecker(Clock &clock, HttpClient &http, const Host &host)
+AppUpdateChecker::AppUpdateChecker(Clock &clock, HttpClient &http, const Host &host,
+                                   Workers &workers)
     : m_clock(clock)
     , m_http(http)
     , m_host(host)
+    , m_reading(workers)
 {
 }
 
@@ -77,12 +80,22 @@ QCoro::Task<std::optional<AppUpdateInfo>> AppUpdateChecker::checkForUpdate()
         m_throttle.pause(m_clock.now(), checkInterval);
         HttpRequest request{.url = *feedUrl, .followsRedirects = true};
         const HttpReply reply = co_await m_http.get(std::move(request));
-        // On a worker: the largest feed takes some tenths of a second.
         if (reply.status == success)
-            m_cached = co_await QtConcurrent::run(answerOf, reply.body, m_host, m_cached);
+            co_await read(reply.body);
     }
     // QCoro would move from a member that is not const.
     co_return std::as_const(m_cached);
+}
+
+/// On a worker: the largest feed takes some tenths of a second.
+QCoro::Task<> AppUpdateChecker::read(QByteArray feed)
+{
+    auto answer =
+        co_await m_reading.run(longestReading, [feed, running = m_host, previous = m_cached] {
+            return answerOf(feed, running, previous);
+        });
+    if (answer)
+        m_cached = std::move(*answer);
 }
 
 } // namespace tallyglass

@@ -7,7 +7,10 @@
 
 #include <QJsonDocument>
 #include <QProcess>
+#include <QTcpServer>
 #include <QTimeZone>
+
+#include <csignal>
 
 using namespace tallyglass;
 
@@ -41,6 +44,52 @@ Outcome run(const QStringList &words, const test::TemporaryHome &home)
             .errors = program.readAllStandardError()};
 }
 
+/// The application without windows, which reaches the network through a server of the test alone.
+class Application
+{
+public:
+    Application(const test::TemporaryHome &home, const QTcpServer &proxy, const QStringList &words,
+                int ignoredSignal = 0)
+    {
+        QDir(home.path()).mkdir(QStringLiteral("tmp"));
+        auto environment = environmentOf(home);
+        for (const char *display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(QString::fromLatin1(display));
+        environment.insert(QStringLiteral("https_proxy"),
+                           QStringLiteral("http://127.0.0.1:%1").arg(proxy.serverPort()));
+        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
+        environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
+        m_process.setProcessEnvironment(environment);
+        if (ignoredSignal != 0)
+            m_process.setChildProcessModifier(
+                [ignoredSignal] { std::signal(ignoredSignal, SIG_IGN); });
+        m_process.start(QStringLiteral(TG_PROGRAM), words);
+    }
+
+    void signal(int number) { ::kill(static_cast<pid_t>(m_process.processId()), number); }
+    /// The system gives such files to root then. Nothing can be seen where there is no /proc.
+    bool isMemoryPrivate() const
+    {
+        const QFileInfo memory(QStringLiteral("/proc/%1/mem").arg(m_process.processId()));
+        return !memory.exists() || memory.ownerId() == 0;
+    }
+    /// -1: it did not end by itself.
+    int endStatus()
+    {
+        return m_process.waitForFinished() && m_process.exitStatus() == QProcess::NormalExit
+            ? m_process.exitCode()
+            : -1;
+    }
+
+private:
+    QProcess m_process;
+};
+
+QString ownFile(const char *name)
+{
+    return QLatin1String(ownFolder) + u'/' + QLatin1String(name);
+}
+
 const QStringList jsonReport{QStringLiteral("report"), QStringLiteral("--json")};
 
 /// The text with the current time in place of NOW.
@@ -58,6 +107,13 @@ struct OverflowRow
     const char *name;
     QString file;
     QByteArray lines;
+};
+
+struct SignalRow
+{
+    const char *name;
+    int number;
+    bool isIgnored = false; ///< from the start
 };
 
 class ProgramTest : public QObject
@@ -171,23 +227,55 @@ private Q_SLOTS:
         QVERIFY(run({QStringLiteral("bridge")}, home).output.contains("--install"));
     }
 
-    void theApplicationRunsWithoutADisplay()
+    void theApplicationEndsWhenItIsTold_data()
+    {
+        test::table<SignalRow>({
+            {"TERM", SIGTERM},
+            {"INT", SIGINT},
+            {"HUP", SIGHUP},
+            {"HUP under nohup", SIGHUP, true},
+        });
+    }
+    /// Without a display, while it waits for an answer of the endpoint.
+    void theApplicationEndsWhenItIsTold()
+    {
+        const auto row = test::currentRow<SignalRow>();
+        const test::TemporaryHome home;
+        home.write(QStringLiteral(".claude/.credentials.json"), R"({"accessToken":"token"})");
+        QTcpServer endpoint; // takes the question and says nothing
+        endpoint.listen(QHostAddress::LocalHost);
+        Application application(home, endpoint, {}, row.isIgnored ? row.number : 0);
+        QTRY_VERIFY(endpoint.hasPendingConnections());
+        QVERIFY(QFile::exists(home.path(ownFile("usage_snapshot.json"))));
+        QVERIFY(application.isMemoryPrivate());
+
+        application.signal(row.number);
+        if (row.isIgnored) {
+            QCOMPARE(run({}, home).status, 0); // A second start finds it, and so ends.
+            application.signal(SIGTERM);
+        }
+        QCOMPARE(application.endStatus(), 0);
+    }
+
+    void theDemoAsksNobody()
     {
         const test::TemporaryHome home;
-        const auto snapshot = QStringLiteral("Library/Application Support/Tallyglass/"
-                                             "usage_snapshot.json");
-        auto environment = environmentOf(home);
-        for (const char *display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
-            environment.remove(QString::fromLatin1(display));
-        environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
-        QProcess application;
-        application.setProcessEnvironment(environment);
-        application.start(QStringLiteral(TG_PROGRAM), QStringList());
-        QTRY_VERIFY(!home.read(snapshot).isEmpty());
-        application.terminate();
-        QVERIFY(application.waitForFinished());
-        QCOMPARE(application.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(application.exitCode(), 0);
+        QTcpServer endpoint;
+        endpoint.listen(QHostAddress::LocalHost);
+        Application application(home, endpoint, {QStringLiteral("--demo")});
+        const QDir temporary(home.path(QStringLiteral("tmp")));
+        const QStringList demo{QStringLiteral("tallyglass-demo-*")};
+        const auto snapshot = [&] {
+            return temporary.filePath(temporary.entryList(demo).value(0) + u'/'
+                                      + ownFile("usage_snapshot.json"));
+        };
+        QTRY_VERIFY(QFile::exists(snapshot()));
+        // It has a token there, with which it would ask at once.
+        QVERIFY(!QTest::qWaitFor([&] { return endpoint.hasPendingConnections(); }, 500));
+        application.signal(SIGTERM);
+        QCOMPARE(application.endStatus(), 0);
+        QVERIFY(QDir(home.path(QStringLiteral("tmp"))).isEmpty());
+        QVERIFY(!QFile::exists(home.path(ownFile(""))));
     }
 
     void misuseIsOneLineAndStatusTwo()

@@ -3,13 +3,35 @@
 #include "support/FakePorts.h"
 #include "support/Table.h"
 #include "support/TemporaryHome.h"
+#include "support/Texts.h"
 
 using namespace tallyglass;
 using namespace std::chrono_literals;
 
 namespace {
 
-using test::FakePorts;
+/// The client on a machine of fakes.
+struct Client
+{
+    std::vector<RateLimitUsage> fetch() { return QCoro::waitFor(api.fetchLimits()); }
+    void keep(const QByteArray &record)
+    {
+        fake.keychain.items.insert(QStringLiteral("Claude Code-credentials"), record);
+    }
+    QByteArray lastToken() const
+    {
+        return fake.http.requests.empty()
+            ? QByteArray()
+            : fake.http.requests.back().headers.value("Authorization");
+    }
+
+    test::TemporaryHome home;
+    test::FakePorts fake{home.path()};
+    Workers workers{fake.clock};
+    ClaudeUsageAPI api{fake.ports.host, fake.clock, fake.http, fake.ports.keychain, workers};
+};
+
+constexpr auto file = ".claude/.credentials.json";
 
 struct TokenRow
 {
@@ -20,12 +42,11 @@ struct TokenRow
     ClaudeUsageAPIStatus status;
 };
 
-struct ShareRow
+struct AnswerRow
 {
     const char *name;
     const char *window; ///< of the answer's "five_hour"
-    std::optional<double> share;
-    std::optional<Instant> resetDate;
+    const char *limit; ///< null when there is none
 };
 
 struct StatusRow
@@ -68,18 +89,16 @@ private Q_SLOTS:
     void findsTheToken()
     {
         const auto row = test::currentRow<TokenRow>();
-        const test::TemporaryHome home;
-        FakePorts fake(home.path());
+        Client client;
         if (row.keychain)
-            fake.keychain.items.insert(QStringLiteral("Claude Code-credentials"), row.keychain);
+            client.keep(row.keychain);
         if (row.file)
-            home.write(QStringLiteral(".claude/.credentials.json"), row.file);
-        fake.http.replies = {{200, "{}"}};
+            client.home.write(QString::fromLatin1(file), row.file);
+        client.fake.http.replies = {{200, "{}"}};
 
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
-        QCoro::waitFor(api.fetchLimits());
-        QVERIFY(api.status() == row.status);
-        QCOMPARE(fake.http.requests.size(), std::size_t{row.token ? 1U : 0U});
+        client.fetch();
+        QVERIFY(client.api.status() == row.status);
+        QCOMPARE(client.fake.http.requests.size(), std::size_t{row.token ? 1U : 0U});
         if (!row.token)
             return;
         const HttpRequest expected{
@@ -91,19 +110,62 @@ private Q_SLOTS:
             .followsRedirects = false,
             .timeout = 15s,
         };
-        QVERIFY(fake.http.requests.front() == expected);
+        QVERIFY(client.fake.http.requests.front() == expected);
+    }
+
+    void asksTheKeychainOnceInATokensLife()
+    {
+        Client client;
+        const auto questions = [&client](std::chrono::seconds later) {
+            client.fake.clock.advance(later);
+            client.fetch();
+            return client.fake.keychain.questions.load();
+        };
+        client.keep(R"({"accessToken":"first","expiresAt":1714570200})"); // in an hour
+        QCOMPARE(questions(0s), 1);
+        QCOMPARE(questions(300s), 1);
+        client.home.write(QString::fromLatin1(file), "{}"); // as when the tool signs in anew
+        QCOMPARE(questions(300s), 2);
+        client.fake.http.replies = {{401, {}}, {401, {}}};
+        QCOMPARE(questions(300s), 2);
+        QCOMPARE(questions(300s), 3); // The token may have been replaced,
+        QCOMPARE(questions(300s), 3); // which is worth one look.
+        QCOMPARE(client.lastToken(), QByteArray("Bearer first"));
+        client.keep(R"({"accessToken":"second"})");
+        QCOMPARE(questions(1h), 4);
+        QCOMPARE(client.lastToken(), QByteArray("Bearer second"));
+        client.api.signIn().forget();
+        QCOMPARE(questions(300s), 5);
+    }
+
+    void goesOnWithoutAKeychainThatDoesNotAnswer()
+    {
+        Client client;
+        client.keep(R"({"accessToken":"kept"})");
+        client.home.write(QString::fromLatin1(file), R"({"accessToken":"other"})");
+        client.fake.keychain.isSlow = true;
+        auto fetching = client.api.fetchLimits();
+        QTRY_COMPARE(client.fake.keychain.questions.load(), 1);
+        client.fake.clock.advance(10s);
+        QTRY_VERIFY(fetching.isReady());
+        QCOMPARE(client.lastToken(), QByteArray("Bearer other"));
+
+        // The user's late answer is not lost, and he is not asked a second time.
+        client.fake.keychain.answer();
+        client.fake.clock.advance(300s);
+        client.fetch();
+        QCOMPARE(client.lastToken(), QByteArray("Bearer kept"));
+        QCOMPARE(client.fake.keychain.questions.load(), 1);
     }
 
     void sendsNoTokenInTheClear()
     {
-        const test::TemporaryHome home;
-        home.write(QStringLiteral(".claude/.credentials.json"), goodToken);
-        FakePorts fake(home.path());
-        fake.ports.host.claudeApi = QStringLiteral("http://api.example");
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
-        QCoro::waitFor(api.fetchLimits());
-        QVERIFY(fake.http.requests.empty());
-        QVERIFY(api.status() == ClaudeUsageAPIStatus{apistatus::NetworkError{}});
+        Client client;
+        client.keep(goodToken);
+        client.fake.ports.host.claudeApi = QStringLiteral("http://api.example");
+        client.fetch();
+        QVERIFY(client.fake.http.requests.empty());
+        QVERIFY(client.api.status() == ClaudeUsageAPIStatus{apistatus::NetworkError{}});
     }
 
     void pausesAfterEachAnswer_data()
@@ -121,77 +183,60 @@ private Q_SLOTS:
     void pausesAfterEachAnswer()
     {
         const auto row = test::currentRow<StatusRow>();
-        const test::TemporaryHome home;
-        home.write(QStringLiteral(".claude/.credentials.json"), goodToken);
-        FakePorts fake(home.path());
-        fake.http.replies = {row.reply, {200, R"({"five_hour":{"utilization":1}})"}};
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
+        Client client;
+        client.keep(goodToken);
+        client.fake.http.replies = {row.reply, {200, R"({"five_hour":{"utilization":1}})"}};
 
-        const auto first = QCoro::waitFor(api.fetchLimits());
-        fake.clock.advance(row.pause - 1ms);
-        QVERIFY(QCoro::waitFor(api.fetchLimits()) == first);
-        QCOMPARE(fake.http.requests.size(), std::size_t{1});
-        QVERIFY(api.status() == row.status);
+        const auto first = client.fetch();
+        client.fake.clock.advance(row.pause - 1ms);
+        QVERIFY(client.fetch() == first);
+        QCOMPARE(client.fake.http.requests.size(), std::size_t{1});
+        QVERIFY(client.api.status() == row.status);
 
-        fake.clock.advance(1ms);
-        const auto second = QCoro::waitFor(api.fetchLimits());
+        client.fake.clock.advance(1ms);
+        const auto second = client.fetch();
         QCOMPARE(second.size(), std::size_t{1});
         QCOMPARE(second[0].usedPercent, 0.01);
-        QVERIFY(std::holds_alternative<apistatus::Ok>(api.status()));
-    }
+        QVERIFY(std::holds_alternative<apistatus::Ok>(client.api.status()));
 
-    void aClockSetBackEndsThePause()
-    {
-        const test::TemporaryHome home;
-        FakePorts fake(home.path());
-        ClaudeUsageAPI api(fake.ports.host, fake.clock, fake.http, &fake.keychain);
-        QCoro::waitFor(api.fetchLimits());
-        home.write(QStringLiteral(".claude/.credentials.json"), goodToken);
-        fake.clock.advance(-24h);
-        fake.http.replies = {{200, "{}"}};
-        QCoro::waitFor(api.fetchLimits());
-        QCOMPARE(fake.http.requests.size(), std::size_t{1});
+        client.fake.clock.advance(-24h); // A clock that is set back ends the pause.
+        client.fetch();
+        QCOMPARE(client.fake.http.requests.size(), std::size_t{3});
     }
 
     void readsTheAnswer_data()
     {
-        const Instant reset = fromUnixNumber(1'775'890'800).value();
-        test::table<ShareRow>({
-            {"percent", R"({"utilization":33.0})", 0.33, {}},
-            {"full", R"({"utilization":100})", 1.0, {}},
-            {"fraction", R"({"utilization":0.5})", 0.5, {}},
-            {"one is one percent", R"({"utilization":1})", 0.01, {}},
-            {"below none", R"({"utilization":-3})", 0.0, {}},
-            {"beyond ten times", R"({"utilization":5000})", 10.0, {}},
-            {"numeric string", R"({"used_percent":"42"})", 0.42, {}},
-            {"null counts as absent", R"({"utilization":null,"used_percent":7})", 0.07, {}},
-            {"unreadable does not", R"({"utilization":true,"used_percent":7})", {}, {}},
-            {"six digits of a second",
-             R"({"utilization":2,"resets_at":"2026-04-11T07:00:00.528743+00:00"})", 0.02,
-             reset + 528ms},
-            {"no fraction", R"({"utilization":2,"resetsAt":"2026-04-11T07:00:00Z"})", 0.02, reset},
-            {"seconds", R"({"utilization":2,"resets_at":1775890800})", 0.02, reset},
-            {"milliseconds", R"({"utilization":2,"resets_at":1775890800000})", 0.02, reset},
-            {"unreadable date", R"({"utilization":2,"resets_at":"soon"})", 0.02, {}},
-            {"not an object", "7", {}, {}},
+        constexpr auto dated = "(0.02 300min until 2026-04-11T07:00:00.000Z)";
+        test::table<AnswerRow>({
+            {"percent", R"({"utilization":33.0})", "(0.33 300min)"},
+            {"full", R"({"utilization":100})", "(1 300min)"},
+            {"fraction", R"({"utilization":0.5})", "(0.5 300min)"},
+            {"one is one percent", R"({"utilization":1})", "(0.01 300min)"},
+            {"below none", R"({"utilization":-3})", "(0 300min)"},
+            {"beyond ten times", R"({"utilization":5000})", "(10 300min)"},
+            {"numeric string", R"({"used_percent":"42"})", "(0.42 300min)"},
+            {"null counts as absent", R"({"utilization":null,"used_percent":7})", "(0.07 300min)"},
+            {"unreadable does not", R"({"utilization":true,"used_percent":7})", nullptr},
+            {"digits of a second",
+             R"({"utilization":2,"resets_at":"2026-04-11T07:00:00.000743+00:00"})", dated},
+            {"other spelling", R"({"utilization":2,"resetsAt":"2026-04-11T07:00:00Z"})", dated},
+            {"seconds", R"({"utilization":2,"resets_at":1775890800})", dated},
+            {"milliseconds", R"({"utilization":2,"resets_at":1775890800000})", dated},
+            {"unreadable date", R"({"utilization":2,"resets_at":"soon"})", "(0.02 300min)"},
+            {"not an object", "7", nullptr},
         });
     }
     void readsTheAnswer()
     {
-        const auto row = test::currentRow<ShareRow>();
+        const auto row = test::currentRow<AnswerRow>();
         const auto limits = limitsFromAnswer(QByteArray(R"({"five_hour":)") + row.window
                                              + R"(,"seven_day":{"utilization":9}})");
         QVERIFY(limits.has_value());
-        const RateLimitUsage &last = limits->back();
-        QCOMPARE(last.windowMinutes, std::optional<std::int64_t>{10'080});
-        QCOMPARE(limits->size(), std::size_t{row.share ? 2U : 1U});
-        if (row.share) {
-            const RateLimitUsage expected{.usedPercent = *row.share,
-                                          .resetDate = row.resetDate,
-                                          .windowMinutes = 300,
-                                          .percentKnown = true};
-            QVERIFY(limits->front() == expected);
-        }
+        QStringList texts;
+        for (const RateLimitUsage &limit : *limits)
+            texts += test::toText(limit);
+        const QStringList week{QStringLiteral("(0.09 10080min)")};
+        QCOMPARE(texts, row.limit ? QStringList{QString::fromLatin1(row.limit)} + week : week);
     }
 };
 

@@ -15,11 +15,6 @@ struct ThresholdRow
     const char *mark; ///< that is left, null when no alert is raised
 };
 
-WindowUsageSummary windowWith(const ProviderUsageSummary &provider)
-{
-    return {.window = UsageWindowKind::FiveHours, .providers = {provider}};
-}
-
 ProviderUsageSummary limited(double share)
 {
     return {.provider = UsageProvider::Claude,
@@ -37,9 +32,12 @@ private:
     test::FakeUserDefaults m_defaults;
     test::FakeNotifier m_notifier;
 
-    void raise(const ProviderUsageSummary &provider)
+    /// How many alerts there are afterwards.
+    std::size_t raise(const ProviderUsageSummary &provider)
     {
-        raiseAlerts(windowWith(provider), m_defaults, m_notifier);
+        raiseAlerts({.window = UsageWindowKind::FiveHours, .providers = {provider}}, m_defaults,
+                    m_notifier);
+        return m_notifier.posted.size();
     }
 
 private Q_SLOTS:
@@ -65,8 +63,7 @@ private Q_SLOTS:
         const auto row = test::currentRow<ThresholdRow>();
         if (row.threshold.isValid())
             m_defaults.values.insert(QStringLiteral("alertThreshold"), row.threshold);
-        raise(limited(row.share));
-        QCOMPARE(m_notifier.posted.size(), std::size_t{row.mark ? 1U : 0U});
+        QCOMPARE(raise(limited(row.share)), std::size_t{row.mark ? 1U : 0U});
         if (row.mark)
             QCOMPARE(m_defaults.value(QString::fromLatin1(row.mark)), QVariant(true));
     }
@@ -74,38 +71,29 @@ private Q_SLOTS:
     void alertsOncePerResetAndThreshold()
     {
         ProviderUsageSummary claude = limited(0.95);
-        raise(claude);
-        raise(claude);
-        QCOMPARE(m_notifier.posted.size(), std::size_t{1});
+        QCOMPARE(raise(claude), std::size_t{1});
+        QCOMPARE(raise(claude), std::size_t{1});
         QCOMPARE(m_notifier.posted[0].title, QStringLiteral("Tallyglass"));
         QCOMPARE(m_notifier.posted[0].body,
                  QStringLiteral("Claude Code の使用量が 95% に達しました"));
-
         m_defaults.values.insert(QStringLiteral("alertThreshold"), 0.9);
-        raise(claude);
-        QCOMPARE(m_notifier.posted.size(), std::size_t{2});
-
+        QCOMPARE(raise(claude), std::size_t{2});
         claude.rateLimit->resetDate = fromUnixNumber(1'767'243'600);
-        raise(claude);
-        QCOMPARE(m_notifier.posted.size(), std::size_t{3});
-    }
+        QCOMPARE(raise(claude), std::size_t{3});
 
-    void anEstimateAlertsOnceForAll()
-    {
+        // An estimate alerts once for all, and where there is no figure nothing does.
         ProviderUsageSummary codex{.tokens = {.inputTokens = 900}, .budgetTokens = 1'000};
-        raise(codex);
+        QCOMPARE(raise(codex), std::size_t{4});
         codex.tokens.inputTokens = 2'000;
-        raise(codex);
-        QCOMPARE(m_notifier.posted.size(), std::size_t{1});
-        QVERIFY(m_defaults.values.contains(QStringLiteral("alerted.codex.0.80")));
+        QCOMPARE(raise(codex), std::size_t{4});
+        QVERIFY(m_defaults.values.contains(QStringLiteral("alerted.codex.0.90")));
+        QCOMPARE(raise({.tokens = {.inputTokens = 900}}), std::size_t{4});
     }
 
-    void silentWithoutConsentOrFigure()
+    void silentWithoutConsent()
     {
-        raise({.tokens = {.inputTokens = 900}});
         m_defaults.values.clear();
-        raise(limited(1.0));
-        QVERIFY(m_notifier.posted.empty());
+        QCOMPARE(raise(limited(1.0)), std::size_t{0});
         QVERIFY(m_defaults.values.isEmpty());
     }
 };

@@ -5,22 +5,34 @@
 #include "support/FakeHttp.h"
 
 #include <QHash>
+#include <QSemaphore>
 #include <QVariant>
 
+#include <atomic>
 #include <vector>
 
 namespace tallyglass::test {
 
+/// Answers at once, or as slowly as a user to whom a question is put.
 class FakeKeychain final : public Keychain
 {
 public:
     std::optional<QByteArray> genericPassword(const QString &service) const override
     {
+        ++questions;
+        if (isSlow)
+            m_answers.acquire();
         const auto item = items.find(service);
         return item != items.end() ? std::optional{*item} : std::nullopt;
     }
+    void answer() const { m_answers.release(); }
 
     QHash<QString, QByteArray> items;
+    bool isSlow = false;
+    mutable std::atomic<int> questions = 0;
+
+private:
+    mutable QSemaphore m_answers;
 };
 
 class FakeLoginItem final : public LoginItem
@@ -49,18 +61,20 @@ public:
     std::vector<Notification> posted;
 };
 
-/// Ends at once with the given outcome, and remembers what it was to run.
+/// Runs nothing, and remembers what it was to run.
 class FakeProcessRunner final : public ProcessRunner
 {
 public:
     QCoro::Task<bool> run(ProcessJob job) override
     {
-        jobs.push_back(std::move(job));
-        co_return succeeds;
+        jobs.push_back(job);
+        co_await held.pass(isSlow);
+        co_return true;
     }
 
-    bool succeeds = true;
+    bool isSlow = false; ///< ends nothing before the end
     std::vector<ProcessJob> jobs;
+    Held held; ///< last, so that the rest is still there when it lets go
 };
 
 class FakeUserDefaults final : public UserDefaults
@@ -106,7 +120,8 @@ public:
     int checks = 0;
 };
 
-/// A whole machine of fakes. The references stay valid as long as the ports live.
+/// A whole machine of fakes. The references stay valid as long as the ports live, wherever they
+/// are moved.
 struct FakePorts
 {
     explicit FakePorts(const QString &home)
@@ -121,7 +136,7 @@ struct FakePorts
         , widgets(*new FakeWidgetCentre)
     {
         ports.host = {.homeFolder = home,
-                      .temporaryFolder = home + QStringLiteral("/tmp"),
+                      .temporaryFolder = home,
                       .shortVersion = QStringLiteral("1.0"),
                       .buildVersion = QStringLiteral("10"),
                       .claudeApi = QStringLiteral("https://api.example")};

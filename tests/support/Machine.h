@@ -1,14 +1,13 @@
 #pragma once
 
-#include "services/ClaudeUsageAPI.h"
-#include "services/UsageModel.h"
+#include "app/TallyglassApp.h"
 #include "support/FakePorts.h"
 #include "support/TemporaryHome.h"
-#include "update/AppUpdateChecker.h"
 
 namespace tallyglass::test {
 
-/// The model on a machine of fakes, in an empty home folder or a given one.
+/// The application on a machine of fakes, in an empty home folder or a given one. Nothing has begun
+/// yet.
 struct Machine
 {
     explicit Machine(const QString &homeFolder = {})
@@ -21,11 +20,19 @@ struct Machine
         QFile::setPermissions(home.write(relative), QFile::ReadOwner | QFile::ExeOwner);
     }
 
+    void writeToken(std::chrono::seconds expiresIn) const
+    {
+        const auto expiry = (fake.clock.now() + expiresIn).time_since_epoch().count();
+        home.write(QStringLiteral(".claude/.credentials.json"),
+                   R"({"accessToken":"token","expiresAt":)" + QByteArray::number(qint64{expiry})
+                       + '}');
+    }
+
     TemporaryHome home;
     FakePorts fake;
-    ClaudeUsageAPI api{fake.ports.host, fake.clock, fake.http, &fake.keychain};
-    AppUpdateChecker updates{fake.clock, fake.http, fake.ports.host};
-    UsageModel model{fake.ports, api, updates};
+    std::unique_ptr<TallyglassApp> app = std::make_unique<TallyglassApp>(std::move(fake.ports));
+    Ports &ports = app->ports();
+    UsageModel &model = app->model();
 };
 
 } // namespace tallyglass::test

@@ -30,9 +30,9 @@ struct PanelMachine : Machine
 private:
     const Host &published(const QString &publicKey)
     {
-        fake.ports.host.feedUrl = QStringLiteral("https://feed.example/appcast.xml");
-        fake.ports.host.publicKey = publicKey;
-        return fake.ports.host;
+        ports.host.feedUrl = QStringLiteral("https://feed.example/appcast.xml");
+        ports.host.publicKey = publicKey;
+        return ports.host;
     }
 };
 

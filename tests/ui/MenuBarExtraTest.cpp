@@ -34,11 +34,11 @@ struct Desktop : test::PanelMachine
     }
     std::int64_t budget() const
     {
-        return loadBudgets(StorageLocations(fake.ports.host))
+        return loadBudgets(StorageLocations(ports.host))
             .budget(UsageProvider::Codex, UsageWindowKind::FiveHours);
     }
 
-    MenuBarExtra extra{model, updater, fake.ports};
+    MenuBarExtra extra{model, updater, ports};
 
 private:
     static QQuickView &activated(QQuickView &view)

@@ -172,7 +172,7 @@ private Q_SLOTS:
         test::PanelMachine machine(demo.path());
         machine.fake.http.replies = {{200, "{}"}};
         QCoro::waitFor(machine.model.refresh());
-        MenuBarExtra extra(machine.model, machine.updater, machine.fake.ports);
+        MenuBarExtra extra(machine.model, machine.updater, machine.ports);
         extra.openSettings();
         QQuickView &view = *extra.settings();
         view.resize(ordinaryWidth, view.height());

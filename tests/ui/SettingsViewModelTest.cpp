@@ -15,8 +15,8 @@ const auto budgetsFile = QStringLiteral("Library/Application Support/Tallyglass/
 
 struct Settings : test::Machine
 {
-    AppUpdater updater{fake.ports.host, nullptr};
-    SettingsViewModel viewModel{model, updater, fake.ports};
+    AppUpdater updater{ports.host, nullptr};
+    SettingsViewModel viewModel{model, updater, ports};
 };
 
 } // namespace
@@ -65,7 +65,7 @@ private Q_SLOTS:
         const QSignalSpy shown(&field, &BudgetField::textChanged);
         field.enter(row.written);
 
-        const StorageLocations locations(settings.fake.ports.host);
+        const StorageLocations locations(settings.ports.host);
         const UsageBudgets stored = loadBudgets(locations);
         QCOMPARE(stored.budget(UsageProvider::Claude, UsageWindowKind::FiveHours), row.stored);
         QCOMPARE(stored.budget(UsageProvider::Claude, UsageWindowKind::Week), 5'000'000);

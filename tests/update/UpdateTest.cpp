@@ -43,7 +43,8 @@ struct Lantern
               .publicKey = QStringLiteral("bm90IGEga2V5")};
     test::FakeClock clock;
     test::FakeHttp http;
-    AppUpdateChecker checker{clock, http, host};
+    Workers workers{clock};
+    AppUpdateChecker checker{clock, http, host, workers};
 };
 
 constexpr auto newestInTheMiddle = "feed-newest-in-the-middle.xml";

@@ -13,7 +13,7 @@ constexpr int mostRedirects = 5;
 constexpr qint64 largestHead = qint64{64} * 1024; // bytes; real ones have a few hundred
 
 /// The empty body of a request. On some broken answers Qt sends a request again, up to three times;
-/// one with a body that cannot be read again it sends once.
+/// one with a body that cannot be read again it sends once. (Qt 6.11 heeds that no longer.)
 class OnceOnly final : public QIODevice
 {
 public:

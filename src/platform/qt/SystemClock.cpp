@@ -6,11 +6,25 @@
 
 namespace tallyglass {
 
-SystemClock::~SystemClock()
+namespace {
+
+class SystemTimer final : public Timer
 {
-    while (!m_sleepers.isEmpty())
-        (*m_sleepers.begin())->happen();
-}
+public:
+    SystemTimer(std::chrono::milliseconds duration, std::function<void()> callBack)
+    {
+        // A coarse timer may be early by a twentieth.
+        m_timer.setTimerType(Qt::PreciseTimer);
+        m_timer.setSingleShot(true);
+        QObject::connect(&m_timer, &QTimer::timeout, std::move(callBack));
+        m_timer.start(std::max(duration, std::chrono::milliseconds{0}));
+    }
+
+private:
+    QTimer m_timer;
+};
+
+} // namespace
 
 Instant SystemClock::now() const
 {
@@ -23,19 +37,10 @@ QTimeZone SystemClock::zone() const
     return zone.isValid() ? zone : QTimeZone::utc();
 }
 
-QCoro::Task<> SystemClock::sleepFor(std::chrono::milliseconds duration)
+std::unique_ptr<Timer> SystemClock::callAfter(std::chrono::milliseconds duration,
+                                              std::function<void()> callBack)
 {
-    Wakeup wakeup;
-    QTimer timer;
-    // A coarse timer may be early by a twentieth.
-    timer.setTimerType(Qt::PreciseTimer);
-    timer.setSingleShot(true);
-    QObject::connect(&timer, &QTimer::timeout, &timer, [&wakeup] { wakeup.happen(); });
-    timer.start(std::max(duration, std::chrono::milliseconds{0}));
-
-    m_sleepers.insert(&wakeup);
-    co_await wakeup;
-    m_sleepers.remove(&wakeup);
+    return std::make_unique<SystemTimer>(duration, std::move(callBack));
 }
 
 } // namespace tallyglass

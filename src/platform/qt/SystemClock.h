@@ -1,28 +1,17 @@
 #pragma once
 
 #include "platform/Clock.h"
-#include "platform/Wakeup.h"
-
-#include <QSet>
 
 namespace tallyglass {
 
-/// The machine's clock. Sleeps only on the thread that owns it; the time may be asked on any.
+/// The machine's clock. The time may be asked on any thread.
 class SystemClock final : public Clock
 {
 public:
-    SystemClock() = default;
-    SystemClock(const SystemClock &) = delete;
-    SystemClock &operator=(const SystemClock &) = delete;
-    /// Wakes whoever still sleeps, so that no frame outlives the program's objects.
-    ~SystemClock() override;
-
     Instant now() const override;
     QTimeZone zone() const override;
-    QCoro::Task<> sleepFor(std::chrono::milliseconds duration) override;
-
-private:
-    QSet<Wakeup *> m_sleepers;
+    std::unique_ptr<Timer> callAfter(std::chrono::milliseconds duration,
+                                     std::function<void()> callBack) override;
 };
 
 } // namespace tallyglass
